@@ -1,0 +1,115 @@
+// Load and unload hooks, version, settings, and the memory pair.
+
+#include "kalvo/frame/kxlibrary.h"
+
+#include <cstdlib>
+
+#include "kalvo/frame/kxthread.h"
+#include "kalvo/frame/thread_slot.h"
+#include "kalvo/platform/cpu.h"
+
+namespace {
+
+constinit int recursiveCopyBehavior = 1;
+constinit int useMmx = 0;
+
+enum Reason : unsigned long { kProcessDetach = 0, kProcessAttach = 1, kThreadDetach = 3 };
+
+// Runs before any static constructor, ours or those of the programs and libraries that link against this one.
+__attribute__((constructor(101))) void OnLoad() {
+    useMmx = Zelkor::Platform::HasMmx();
+    Zelkor::Kalvo::Initialize();
+    KxInternalDllMain(nullptr, kProcessAttach, nullptr);
+}
+
+__attribute__((destructor(101))) void OnUnload() {
+    KxInternalDllMain(nullptr, kProcessDetach, nullptr);
+}
+
+}  // namespace
+
+int KxInternalDllMain(void*, unsigned long un32Reason, void*) {
+    switch (un32Reason) {
+    case kProcessAttach:
+        Zelkor::Kalvo::OpenThreadSlot();
+        break;
+    case kThreadDetach:
+        CloseThreadLocalStorage();
+        break;
+    case kProcessDetach:
+        Zelkor::Kalvo::Terminate();
+        Zelkor::Kalvo::CloseThreadSlot();
+        break;
+    }
+    return 1;
+}
+
+int DllMain(void*, unsigned long un32Reason, void*) {
+    return KxInternalDllMain(nullptr, un32Reason, nullptr);
+}
+
+void InternalDLLMain() {}
+
+void InternalDLLMainExit() {}
+
+const char* KxGetVersion() {
+    return "6.7.1.0";
+}
+
+const unsigned short* KxGetVersionUnicode() {
+    static constexpr unsigned short kVersion[] = {'6', '.', '7', '.', '1', '.', '0', 0};
+    return kVersion;
+}
+
+void KxSetMMX(int bUse) {
+    useMmx = bUse;
+}
+
+int KxGetMMX() {
+    return useMmx;
+}
+
+void KxSetRecursiveCopyBehavior(int bRecursive) {
+    recursiveCopyBehavior = bRecursive;
+}
+
+int KxGetRecursiveCopyBehavior() {
+    return recursiveCopyBehavior;
+}
+
+void KxSetJpegQuality(unsigned int un32Quality) {
+    if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_un32JpegQuality = un32Quality;
+}
+
+void KxSetTiffThreshold(unsigned int un32Threshold) {
+    if (OzzoTLSStruct* record = KxGetTLSPtr())
+        record->m_un8TiffThreshold = static_cast<unsigned char>(un32Threshold);
+}
+
+void KxSetTiffStripSize(unsigned int un32StripSize) {
+    if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_un32TiffStripSize = un32StripSize;
+}
+
+void* Kalvo_Malloc(unsigned int un32Size) {
+    return std::malloc(un32Size);
+}
+
+void Kalvo_Free(void* pBlock) {
+    std::free(pBlock);
+}
+
+namespace Zelkor::Kalvo {
+
+void Initialize() {}
+
+void Terminate() {}
+
+void SetRecursiveCopyBehavior(int bRecursive) {
+    KxSetRecursiveCopyBehavior(bRecursive);
+}
+
+int GetRecursiveCopyBehavior() {
+    return KxGetRecursiveCopyBehavior();
+}
+
+}  // namespace Zelkor::Kalvo

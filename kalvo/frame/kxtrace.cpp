@@ -1,0 +1,63 @@
+// When a trace is due, and what its message box says.
+
+#include "kalvo/frame/kxtrace.h"
+
+#include <exception>
+#include <string>
+
+#include "kalvo/frame/kxthread.h"
+#include "kalvo/platform/messagebox.h"
+
+namespace {
+
+constexpr unsigned kTaskModalExclamationOk = 0x2030;
+
+// Without memory for the text there is no box; the code is in the slot all the same.
+template <class Compose>
+void Show(const Compose& compose) {
+    try {
+        const std::string text = compose();
+        Zelkor::Platform::MessageBoxA(text.c_str(), "KxTrace", kTaskModalExclamationOk);
+    } catch (const std::exception&) {
+    }
+}
+
+}  // namespace
+
+void KxSetTraceMode(KX_TRACE_MODE eMode) {
+    if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_eTraceMode = eMode;
+}
+
+KX_TRACE_MODE KxGetTraceMode() {
+    const OzzoTLSStruct* record = KxGetTLSPtr();
+    return record ? record->m_eTraceMode : KX_TRACE_MODE_SILENT;
+}
+
+KX_ERRORS KxTraceError(const char* pszFunctionName) {
+    const KX_ERRORS error = KxGetError();
+    const KX_TRACE_MODE mode = KxGetTraceMode();
+    if (error < 1000 || (mode != KX_TRACE_MODE_MESSAGE && mode != KX_TRACE_MODE_FULL_MESSAGE)) return error;
+    Show([&] { return std::string("Function: ") + pszFunctionName + "\n" + KxGetErrorText(error); });
+    return error;
+}
+
+short KxTraceFullError(const char* pszFileName, int n32Line, const char* pszStatement) {
+    const KX_ERRORS error = KxGetError();
+    if (error < 1000) return static_cast<short>(error);
+    const KX_TRACE_MODE mode = KxGetTraceMode();
+    if (mode == (KX_TRACE_MODE_FULL_MESSAGE | KX_TRACE_MODE_CALLER_TRACE))
+        Show([&] {
+            return std::string("File ") + pszFileName + ", line " + std::to_string(n32Line) + "\n" +
+                   pszStatement + "\n" + KxGetErrorText(error);
+        });
+    KxSetTraceMode(static_cast<KX_TRACE_MODE>(mode & ~KX_TRACE_MODE_CALLER_TRACE));
+    return static_cast<short>(error);
+}
+
+void KxKxTraceTraceMode() {
+    KxSetTraceMode(static_cast<KX_TRACE_MODE>(KxGetTraceMode() | KX_TRACE_MODE_CALLER_TRACE));
+}
+
+void TraceSilent() {
+    KxSetTraceMode(KX_TRACE_MODE_SILENT);
+}

@@ -1,0 +1,35 @@
+// Asks the processor; those of other families have none of these extensions.
+#include "kalvo/platform/cpu.h"
+
+#if defined(__x86_64__) || defined(__i386__)
+#include <cpuid.h>
+#endif
+
+namespace Zelkor::Platform {
+
+#if defined(__x86_64__) || defined(__i386__)
+
+bool HasMmx() {
+    unsigned eax, ebx, ecx, edx;
+    return __get_cpuid(1, &eax, &ebx, &ecx, &edx) != 0 && (edx & bit_MMX) != 0;
+}
+
+bool HasAvx2() {
+    __builtin_cpu_init();  // we may be asked while libraries load, before the compiler's own constructor has
+                           // run
+    return __builtin_cpu_supports("avx2") != 0;
+}
+
+#else
+
+bool HasMmx() {
+    return false;
+}
+
+bool HasAvx2() {
+    return false;
+}
+
+#endif
+
+}  // namespace Zelkor::Platform

@@ -1,0 +1,9 @@
+// What the processor offers beyond its baseline, as far as the library asks.
+#pragma once
+
+namespace Zelkor::Platform {
+
+bool HasMmx();   // bit 23 of EDX from CPUID function 1
+bool HasAvx2();  // and the operating system saves the wide registers
+
+}  // namespace Zelkor::Platform
