@@ -1,0 +1,213 @@
+// The parts of a region that do not depend on its pixels: texts, totals, walks and checks.
+
+#include "kalvo/image/kxgenericroi.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+#include "kalvo/frame/boundary.h"
+#include "kalvo/image/regiontree.h"
+
+using Zelkor::Kalvo::RegionTree;
+using Zelkor::Kalvo::Report;
+
+namespace {
+
+// Replaces an owned text by a copy. A source that is the field's own text changes nothing.
+template <class Character>
+void FreeBufferAndCopyString(std::unique_ptr<Character[]>& field, const Character* source) {
+    if (source == field.get()) return;
+    std::unique_ptr<Character[]> copy;
+    if (source) {
+        const Character* end = source;
+        while (*end) ++end;
+        const std::size_t length = static_cast<std::size_t>(end - source);
+        copy.reset(new (std::nothrow) Character[length + 1]);
+        if (copy)
+            std::copy_n(source, length + 1, copy.get());
+        else
+            KxSetError(KX_ERROR_ALLOCATION);
+    }
+    field = std::move(copy);
+}
+
+// Stores the outcome of a check, traces a failure, and returns the code.
+short Conclude(bool passes, KX_ERRORS failure, const char* traceName) {
+    if (passes) return static_cast<short>(KxOk());
+    KxSetError(failure);
+    if (traceName) KxTraceError(traceName);
+    return static_cast<short>(failure);
+}
+
+// A broken tree must not be used any further: walking it may never end.
+[[noreturn]] void StopOnCorruptedHierarchy(const char* traceName) {
+    Report(KX_ERROR_CORRUPTED_HIERARCHY, traceName);
+    std::abort();
+}
+
+template <class Region>
+Region* NextDepthFirst(Region* current, Region* stop) {
+    Region* next = current->GetFirstSubROI();
+    if (!next) {
+        next = current;
+        while (!next->GetNextSiblingROI() && next->GetParent()) next = next->GetParent();
+        if (next->GetNextSiblingROI()) next = next->GetNextSiblingROI();
+    }
+    return next == stop ? nullptr : next;
+}
+
+int TopSize(const KxGenericROI& region, int (KxGenericROI::*size)() const, const char* traceName) {
+    if (const KxGenericROI* top = region.GetTopParent()) return (top->*size)();
+    Report(KX_ERROR_ROI_HAS_NO_PARENT, traceName);
+    return 0;
+}
+
+}  // namespace
+
+KxGenericROI::~KxGenericROI() {
+    RegionTree::ReleaseChildren(*this);
+    RegionTree::Unlink(*this);
+}
+
+void KxGenericROI::MakeEmpty() {
+    m_pszAuthorASCII.reset();
+    m_pszAuthorUnicode.reset();
+    m_pszCommentASCII.reset();
+    m_pszCommentUnicode.reset();
+    m_pszDateASCII.reset();
+    m_pszDateUnicode.reset();
+    m_pszTitleASCII.reset();
+    m_pszTitleUnicode.reset();
+}
+
+void KxGenericROI::SetAuthor(const char* pszText) {
+    FreeBufferAndCopyString(m_pszAuthorASCII, pszText);
+}
+
+void KxGenericROI::SetAuthor(const unsigned short* pwszText) {
+    FreeBufferAndCopyString(m_pszAuthorUnicode, pwszText);
+}
+
+void KxGenericROI::SetComment(const char* pszText) {
+    FreeBufferAndCopyString(m_pszCommentASCII, pszText);
+}
+
+void KxGenericROI::SetComment(const unsigned short* pwszText) {
+    FreeBufferAndCopyString(m_pszCommentUnicode, pwszText);
+}
+
+void KxGenericROI::SetDate(const char* pszText) {
+    FreeBufferAndCopyString(m_pszDateASCII, pszText);
+}
+
+void KxGenericROI::SetDate(const unsigned short* pwszText) {
+    FreeBufferAndCopyString(m_pszDateUnicode, pwszText);
+}
+
+void KxGenericROI::SetTitle(const char* pszText) {
+    FreeBufferAndCopyString(m_pszTitleASCII, pszText);
+}
+
+void KxGenericROI::SetTitle(const unsigned short* pwszText) {
+    FreeBufferAndCopyString(m_pszTitleUnicode, pwszText);
+}
+
+int KxGenericROI::GetTotalOrgX() const {
+    int total = 0;
+    for (const KxGenericROI* node = this; node->m_pParent; node = node->m_pParent) total += node->m_n32OrgX;
+    return total;
+}
+
+int KxGenericROI::GetTotalOrgY() const {
+    int total = 0;
+    for (const KxGenericROI* node = this; node->m_pParent; node = node->m_pParent) total += node->m_n32OrgY;
+    return total;
+}
+
+int KxGenericROI::GetTotalWidth() const {
+    return TopSize(*this, &KxGenericROI::GetWidth, "KxROI::GetTotalWidth");
+}
+
+int KxGenericROI::GetTotalHeight() const {
+    return TopSize(*this, &KxGenericROI::GetHeight, "KxROI::GetTotalHeight");
+}
+
+const KxGenericROI* KxGenericROI::GetNextROI(const KxGenericROI* pStop) const {
+    return NextDepthFirst(this, pStop);
+}
+
+KxGenericROI* KxGenericROI::GetNextROI(KxGenericROI* pStop) {
+    return NextDepthFirst(this, pStop);
+}
+
+unsigned int KxGenericROI::GetCurrentVersion() const {
+    return 4;
+}
+
+short KxGenericROI::SameSize(const KxGenericROI* pOther) const {
+    return Conclude(m_n32Height == pOther->m_n32Height && m_n32Width == pOther->m_n32Width,
+                    KX_ERROR_SIZE_MISMATCH, nullptr);
+}
+
+short KxGenericROI::SameDepth(KxGenericROI* pOther) {
+    return Conclude(GetBitsPerPixel() == pOther->GetBitsPerPixel(), KX_ERROR_DEPTH_MISMATCH,
+                    "KxROI::SameDepth");
+}
+
+short KxGenericROI::SameDataType(KxGenericROI* pOther) {
+    return Conclude(GetDataType() == pOther->GetDataType(), KX_ERROR_INVALID_DATA_TYPE,
+                    "KxROI::SameDataType");
+}
+
+short KxGenericROI::PermittedDepth(short n16Mask) {
+    return Conclude(GetBitsPerPixelCode() & n16Mask, KX_ERROR_INVALID_DEPTH, "KxROI::PermittedDepth");
+}
+
+short KxGenericROI::PermittedDataType(short n16Mask) {
+    return Conclude(GetDataType() & n16Mask, KX_ERROR_INVALID_DATA_TYPE, "KxROI::PermittedDataType");
+}
+
+short KxGenericROI::SameSizeDepthType(KxGenericROI* pOther, short n16DepthMask, short n16DataTypeMask) {
+    if (SameSize(pOther) || SameDepth(pOther) || SameDataType(pOther) || PermittedDepth(n16DepthMask) ||
+        PermittedDataType(n16DataTypeMask))
+        KxTraceError("KxROI::SameSizeDepthType");
+    return static_cast<short>(KxGetError());
+}
+
+int KxGenericROI::DoesContainChild(const KxGenericROI* pParent, const KxGenericROI* pChild) {
+    int timesMet = 0;
+    for (const KxGenericROI* child = pParent ? pParent->m_pFirstSubROI : nullptr; child;
+         child = child->m_pSibling) {
+        timesMet += child == pChild;
+        if (child->m_pParent != pParent || timesMet > 1) StopOnCorruptedHierarchy("DoesContainChild");
+    }
+    return timesMet;
+}
+
+void KxGenericROI::CheckParentChildrenConsistency(const KxGenericROI* pObject) {
+    constexpr const char* kTraceName = "CheckParentChildrenConsistency";
+    if (!pObject) return;
+    if (pObject->m_pParent && !DoesContainChild(pObject->m_pParent, pObject))
+        StopOnCorruptedHierarchy(kTraceName);
+    const KxGenericROI* node = pObject;
+    while (true) {
+        const KxGenericROI* parent = node;
+        if (node->m_pFirstSubROI) {
+            node = node->m_pFirstSubROI;
+        } else {
+            while (node != pObject && !node->m_pSibling) node = node->m_pParent;
+            if (node == pObject) return;
+            parent = node->m_pParent;
+            node = node->m_pSibling;
+        }
+        if (node->m_pParent != parent) StopOnCorruptedHierarchy(kTraceName);
+    }
+}
+
+namespace Zelkor::Kalvo {
+
+GenericRoiExtent::GenericRoiExtent(const KxGenericROI& region)
+    : GenericRoiExtent(region.GetOrgX(), region.GetOrgY(), region.GetWidth(), region.GetHeight()) {}
+
+}  // namespace Zelkor::Kalvo

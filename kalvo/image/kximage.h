@@ -1,0 +1,103 @@
+#pragma once
+// An image: the root of a tree of regions, with pixels of its own or of the caller.
+
+#include "kalvo/image/kxroi.h"
+#include "kalvo/measure/kxdimensionalvalue.h"
+
+/// An image over pixels of type `Pixel`. It owns a buffer (rows padded to multiples of 24 bytes, the first
+/// pixel aligned to 32 bytes), or wraps a buffer of the caller, or is empty.
+template <class Pixel>
+class KX_API KxImage : public KxROI<Pixel> {
+public:
+    /// An empty image.
+    KxImage() = default;
+    /// An image with a buffer of that size; its pixels are not initialised. See `SetSize`.
+    KxImage(int n32Width, int n32Height);
+    /// Copies as `CopyTo` does; whether with children says `KxSetRecursiveCopyBehavior`.
+    KxImage(const KxImage& other);
+    KxImage& operator=(const KxImage& other);
+    ~KxImage() override;
+
+    /// Makes `pDestination` a copy of this image: a copy of an owned buffer, or another image on the same
+    /// buffer of the caller; placement, texts, colour system, mask, pixel size, and with clones of the
+    /// children when `bRecursive` is not 0. Null makes a new image, which belongs to the caller. Returns the
+    /// destination; without memory it is empty, with `KX_ERROR_ALLOCATION` in the slot.
+    KxImage* CopyTo(KxImage* pDestination = nullptr, int bRecursive = 1) const;
+    KxROI<Pixel>* CreateROIClone(int bRecursive = 1) const override;
+
+    /// Gives the image a fresh, uninitialised buffer of its own and clips its children to it. Nothing happens
+    /// when the size is the same. Fails with `KX_ERROR_PARAMETER_1_OUT_OF_RANGE` (negative size) or
+    /// `KX_ERROR_ORIGIN_IMAGE_TOO_BIG` (4 GiB of pixels, or a row of 256 MiB), unchanged, and with
+    /// `KX_ERROR_ALLOCATION`, empty.
+    void SetSize(int n32Width, int n32Height) override;
+    void SetSize(const KxGenericROI* pOther) override;
+    void SetSize(KxGenericROI* pOther) override;
+
+    /// Wraps a buffer of the caller, who keeps it alive and frees it. Null makes the image void.
+    /// @param n32BitsPerRow  distance between rows; 0 for rows padded to 32 bits
+    void SetImagePtr(int n32Width, int n32Height, void* pPixels, int n32BitsPerRow = 0);
+    /// The same with the current size.
+    void SetImagePtr(void* pPixels, int n32BitsPerRow = 0);
+    /// Distance between rows in bits.
+    int GetBitsPerRow() const { return m_n32BitsPerRow; }
+
+    /// Physical size of a pixel. Both 0 fail with `KX_ERROR_PIXELS_FINITE_SIZE`.
+    void SetPixelDimensions(float f32Width, float f32Height, KxMeasurementUnit* pUnit) override;
+    void GetPixelDimensions(float& f32Width, float& f32Height,
+                            const KxMeasurementUnit*& pUnit) const override;
+    /// Pixels per unit. A 0 fails with `KX_ERROR_PIXELS_FINITE_SIZE`.
+    void SetResolution(float f32X, float f32Y, KxMeasurementUnit* pUnit) override;
+    void GetResolution(float& f32X, float& f32Y, const KxMeasurementUnit*& pUnit) const override;
+
+    const KxGenericROI* GetTopParent() const override { return this; }
+    KxGenericROI* GetTopParent() override { return this; }
+    int IsAnROI() override { return 0; }
+    int Void() const override { return m_pImagePtr == nullptr; }
+    const void* GetGenericImagePtr(int n32X, int n32Y) const override;
+    void* GetGenericImagePtr(int n32X, int n32Y) override;
+    int GetRowPitch() const override { return m_n32BitsPerRow / 8; }
+    unsigned int GetBitIndex(int n32X, int n32Y) const override;
+    void VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int un32Align) override;
+    void VersionLessPartialSerialize(std::FILE* pFile, int bWriting, unsigned int un32Align) override;
+    void PartialSerialize(KxSerializer* pSerializer) override;
+    void PartialSerialize(std::FILE* pFile, int bWriting) override;
+    void Serialize(KxSerializer* pSerializer, unsigned int un32Version) override;
+    KxSerializer::ObjectType GetSerializationType() override;
+    /// Not supported: throws the int 0.
+    void DumpToStream(std::ostream& stream, int n32Indent) const override;
+
+    /// Exchanges the pixels of two images; see `KxSwapImages`.
+    void SwapPixels(KxImage& other) noexcept;
+
+protected:
+    /// Lets go of the children, the mask and the pixels.
+    void MakeEmpty();
+
+private:
+    friend struct Zelkor::Kalvo::RegionTree;
+
+    void Resize(int width, int height, bool clipChildren);
+    KxImage* CopyImageTo(KxImage* pDestination, bool recursive) const;
+    void SerializeFields(KxSerializer& serializer, unsigned version);
+
+    std::uint32_t m_aun32ReservedImage[2] = {};
+    std::unique_ptr<std::uint8_t[]> m_pBuffer;
+    std::uint8_t* m_pImagePtr = nullptr;
+    std::int32_t m_n32BitsPerPixel = Zelkor::Kalvo::PixelTraits<Pixel>::kBitsPerPixel;
+    std::int32_t m_n32BitsPerRow = 0;
+    KxDimensionalValue m_PixelWidth;
+    KxDimensionalValue m_PixelHeight;
+};
+
+/// Exchange the buffers of two images of the same size, else `KX_ERROR_SIZE_MISMATCH`. Everything but the
+/// pixels stays with its image.
+KX_API void KxSwapImages(KxImage<KxBW8>* pImage, KxImage<KxBW8>* pOther);
+KX_API void KxSwapImages(KxImage<KxBW16>* pImage, KxImage<KxBW16>* pOther);
+KX_API void KxSwapImages(KxImage<KxC15>* pImage, KxImage<KxC15>* pOther);
+KX_API void KxSwapImages(KxImage<KxC16>* pImage, KxImage<KxC16>* pOther);
+KX_API void KxSwapImages(KxImage<KxC24>* pImage, KxImage<KxC24>* pOther);
+KX_API void KxSwapImages(KxImage<KxC24A>* pImage, KxImage<KxC24A>* pOther);
+
+#define KX_DECLARE(Pixel) extern template class KxImage<Pixel>;
+KX_FOR_EACH_PIXEL(KX_DECLARE)
+#undef KX_DECLARE

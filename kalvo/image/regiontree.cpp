@@ -1,0 +1,137 @@
+// Linking, releasing and laying out the nodes of a tree of regions without recursion.
+
+#include "kalvo/image/regiontree.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "kalvo/frame/boundary.h"
+
+namespace Zelkor::Kalvo {
+
+const RegionTree::Axis RegionTree::kHorizontal = {&KxGenericROI::m_n32OrgX, &KxGenericROI::m_n32Width,
+                                                  "KxROI::SetWidth"};
+const RegionTree::Axis RegionTree::kVertical = {&KxGenericROI::m_n32OrgY, &KxGenericROI::m_n32Height,
+                                                "KxROI::SetHeight"};
+
+void RegionTree::Append(KxGenericROI& parent, KxGenericROI& child) {
+    KxGenericROI** link = &parent.m_pFirstSubROI;
+    while (*link) link = &(*link)->m_pSibling;
+    *link = &child;
+    child.m_pParent = &parent;
+}
+
+void RegionTree::Attach(KxGenericROI& parent, KxGenericROI& child) {
+    Append(parent, child);
+    child.m_eColorSystem = parent.m_eColorSystem;
+    Clip(child);
+}
+
+void RegionTree::Clip(KxGenericROI& region) {
+    SetSize(region, kHorizontal, region.m_n32Width);
+    SetSize(region, kVertical, region.m_n32Height);
+}
+
+void RegionTree::Unlink(KxGenericROI& child) {
+    if (!child.m_pParent) return;
+    KxGenericROI** link = &child.m_pParent->m_pFirstSubROI;
+    while (*link != &child) link = &(*link)->m_pSibling;
+    *link = child.m_pSibling;
+    child.m_pParent = child.m_pSibling = nullptr;
+}
+
+void RegionTree::ReleaseChildren(KxGenericROI& parent) noexcept {
+    // Nodes to destroy wait in a list through their sibling links, so that each is childless when it goes.
+    KxGenericROI* doomed = nullptr;
+    const auto detachChildren = [&doomed](KxGenericROI& node) {
+        while (KxGenericROI* child = node.m_pFirstSubROI) {
+            Unlink(*child);
+            if (!child->m_bAllocated) continue;
+            child->m_pSibling = doomed;
+            doomed = child;
+        }
+    };
+    detachChildren(parent);
+    while (KxGenericROI* node = doomed) {
+        doomed = node->m_pSibling;
+        node->m_pSibling = nullptr;
+        detachChildren(*node);
+        delete node;
+    }
+}
+
+bool RegionTree::IsWithin(const KxGenericROI& node, const KxGenericROI& ancestor) {
+    const KxGenericROI* current = &node;
+    while (current && current != &ancestor) current = current->m_pParent;
+    return current != nullptr;
+}
+
+namespace {
+
+// What is still to be done of a layout. Kept on a stack of its own, so the order is that of plain recursion.
+struct LayoutStep {
+    enum Kind { kApply, kReapplyFrom, kReport } kind;
+    KxGenericROI* region;  // kReapplyFrom: this region and its following siblings, each with its own size
+    const RegionTree::Axis* axis;
+    std::int64_t size;
+};
+
+}  // namespace
+
+bool RegionTree::SetSize(KxGenericROI& region, const Axis& axis, std::int64_t size) {
+    bool keptOrigin = true;
+    std::vector<LayoutStep> steps{{LayoutStep::kApply, &region, &axis, size}};
+    while (!steps.empty()) {
+        const LayoutStep step = steps.back();
+        steps.pop_back();
+        KxGenericROI* node = step.region;
+        if (!node) continue;
+        if (step.kind == LayoutStep::kReport) {
+            Report(KX_ERROR_ROI_OUT_OF_PARENT, step.axis->setterName);
+            continue;
+        }
+        std::int64_t nodeSize = step.size;
+        if (step.kind == LayoutStep::kReapplyFrom) {
+            if (node->m_pSibling) steps.push_back({LayoutStep::kReapplyFrom, node->m_pSibling, step.axis, 0});
+            if (!node->IsAnROI()) continue;
+            nodeSize = node->*step.axis->size;
+        }
+        if (const KxGenericROI* parent = node->m_pParent) {
+            nodeSize = std::min(nodeSize, std::int64_t{parent->*step.axis->size} - node->*step.axis->origin);
+            if (nodeSize < 0) {
+                keptOrigin &= node != &region;
+                node->m_n32OrgX = node->m_n32OrgY = 0;
+                steps.push_back({LayoutStep::kReport, node, step.axis, 0});
+                steps.push_back({LayoutStep::kApply, node, &kVertical, parent->m_n32Height});
+                steps.push_back({LayoutStep::kApply, node, &kHorizontal, parent->m_n32Width});
+                continue;
+            }
+        }
+        node->*step.axis->size = static_cast<std::int32_t>(nodeSize);
+        if (node->m_pFirstSubROI)
+            steps.push_back({LayoutStep::kReapplyFrom, node->m_pFirstSubROI, step.axis, 0});
+    }
+    return keptOrigin;
+}
+
+void RegionTree::SetOrigin(KxGenericROI& region, const Axis& axis, std::int32_t origin,
+                           const char* setterName) {
+    const std::int64_t size = region.*axis.size;
+    if (origin + size < 0) {
+        if (const KxGenericROI* parent = region.m_pParent) {
+            region.m_n32OrgX = region.m_n32OrgY = 0;
+            SetSize(region, kHorizontal, parent->m_n32Width);
+            SetSize(region, kVertical, parent->m_n32Height);
+        }
+        return Report(KX_ERROR_ROI_OUT_OF_PARENT, setterName);
+    }
+    region.*axis.origin = std::max(origin, 0);
+    SetSize(region, axis, origin < 0 ? origin + size : size);
+}
+
+void RegionTree::ClipChildren(KxGenericROI& parent) {
+    for (KxGenericROI* child = parent.m_pFirstSubROI; child; child = child->m_pSibling)
+        if (child->IsAnROI()) Clip(*child);
+}
+
+}  // namespace Zelkor::Kalvo

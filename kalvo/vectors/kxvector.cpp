@@ -1,0 +1,245 @@
+// The typed vector: its buffer, its elements, and what the outside sees of its files.
+
+#include "kalvo/vectors/kxvector.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "kalvo/frame/boundary.h"
+#include "kalvo/vectors/vectorfile.h"
+
+namespace {
+
+using namespace Zelkor::Kalvo;
+
+// No block reaches 4 GiB: what asks for more is a slip or a forged file.
+template <class T>
+constexpr std::uint32_t kMostElements = std::numeric_limits<std::uint32_t>::max() / sizeof(T);
+
+// Elements start as zeros, so that nothing left over in memory ever reaches a file. None make no buffer.
+template <class T>
+std::unique_ptr<T[]> MakeElements(unsigned count) {
+    if (count == 0) return nullptr;
+    std::unique_ptr<T[]> elements(count <= kMostElements<T> ? new (std::nothrow) T[count]() : nullptr);
+    if (!elements) throw Exception(KX_ERROR_ALLOCATION);
+    return elements;
+}
+
+// Negative indices become one that no vector has.
+unsigned UnsignedIndex(int index) {
+    return index < 0 ? std::numeric_limits<unsigned>::max() : static_cast<unsigned>(index);
+}
+
+void ThrowStoredFailure() {
+    if (KxFailure()) throw Exception(KxGetError());
+}
+
+}  // namespace
+
+template <class T>
+KxVectorTemplate<T>::KxVectorTemplate(unsigned int un32NumElements) {
+    AtBoundary(nullptr, [&] {
+        m_pData = MakeElements<T>(un32NumElements).release();
+        m_un32NumElements = m_un32MaxElements = un32NumElements;
+    });
+}
+
+template <class T>
+KxVectorTemplate<T>::KxVectorTemplate(const KxVectorTemplate& other) {
+    other.CopyTo(this);
+}
+
+template <class T>
+KxVectorTemplate<T>& KxVectorTemplate<T>::operator=(const KxVectorTemplate& other) {
+    return *other.CopyTo(this);
+}
+
+template <class T>
+KxVectorTemplate<T>::~KxVectorTemplate() {
+    delete[] m_pData;
+}
+
+template <class T>
+KxVectorTemplate<T>* KxVectorTemplate<T>::CopyTo(KxVectorTemplate* pDestination) const {
+    if (pDestination == this) return pDestination;
+    if (!pDestination) pDestination = new (std::nothrow) KxVectorTemplate;
+    if (!pDestination) {
+        Report(KX_ERROR_ALLOCATION, "KxVector::CopyTo");
+        return nullptr;
+    }
+    pDestination->SetMaxElements(m_un32NumElements, 0);
+    if (pDestination->m_un32MaxElements != m_un32NumElements) return pDestination;
+    pDestination->m_un32NumElements = m_un32NumElements;
+    std::copy_n(m_pData, m_un32NumElements, pDestination->m_pData);
+    return pDestination;
+}
+
+template <class T>
+void KxVectorTemplate<T>::SetMaxElements(unsigned int un32MaxElements, int bKeep) {
+    if (un32MaxElements == m_un32MaxElements) return;
+    AtBoundary("KxVector::SetMaxElements", [&] {
+        std::unique_ptr<T[]> elements = MakeElements<T>(un32MaxElements);
+        m_un32NumElements = bKeep ? std::min(m_un32NumElements, un32MaxElements) : 0;
+        std::copy_n(m_pData, m_un32NumElements, elements.get());
+        delete[] std::exchange(m_pData, elements.release());
+        m_un32MaxElements = un32MaxElements;
+    });
+}
+
+template <class T>
+void KxVectorTemplate<T>::SetNumElements(unsigned int un32NumElements) {
+    if (un32NumElements > m_un32MaxElements) {
+        KxOk();
+        SetMaxElements(un32NumElements, 1);
+        if (un32NumElements > m_un32MaxElements) {
+            KxTraceError("KxVector::SetNumElements");
+            return;
+        }
+    }
+    m_un32NumElements = un32NumElements;
+}
+
+template <class T>
+void KxVectorTemplate<T>::AddElement(T value) {
+    Append(value, "KxVector::AddElement");
+}
+
+template <class T>
+void KxVectorTemplate<T>::AddElementByRef(T& value) {
+    Append(value, "KxVector::AddElementByRef");
+}
+
+template <class T>
+void KxVectorTemplate<T>::Append(const T& value, const char* traceName) {
+    const T appended = value;  // it may lie in the buffer that growing releases
+    if (m_un32NumElements == m_un32MaxElements) {
+        KxOk();
+        const std::uint64_t doubled = m_un32MaxElements ? 2 * std::uint64_t{m_un32MaxElements} : 1;
+        SetMaxElements(static_cast<unsigned>(std::min<std::uint64_t>(doubled, kMostElements<T>)), 1);
+        if (m_un32NumElements == m_un32MaxElements) {
+            Report(KX_ERROR_ALLOCATION, traceName);
+            return;
+        }
+    }
+    m_pData[m_un32NumElements++] = appended;
+}
+
+template <class T>
+void KxVectorTemplate<T>::RemoveElement(unsigned int un32Index) {
+    if (un32Index >= m_un32NumElements) {
+        Report(KX_ERROR_PARAMETER_1_OUT_OF_RANGE, "KxVector::RemoveElement");
+        return;
+    }
+    T* const removed = m_pData + un32Index;
+    std::copy(removed + 1, m_pData + m_un32NumElements, removed);
+    --m_un32NumElements;
+}
+
+template <class T>
+T& KxVectorTemplate<T>::SpareElement() {
+    Report(KX_ERROR_PARAMETER_1_OUT_OF_RANGE, "KxVector::operator[]");
+    thread_local T spare;
+    spare = T();
+    return spare;
+}
+
+template <class T>
+T KxVectorTemplate<T>::GetElement(int n32Index) const {
+    return (*this)[UnsignedIndex(n32Index)];
+}
+
+template <class T>
+void KxVectorTemplate<T>::SetElement(int n32Index, T value) {
+    (*this)[UnsignedIndex(n32Index)] = value;
+}
+
+template <class T>
+void KxVectorTemplate<T>::Sift(const T& value, int (*pfnBetter)(const T&, const T&)) {
+    if (m_un32MaxElements == 0) return;
+    const T sifted = value;  // it may be an element that moves
+    const std::uint64_t count = m_un32NumElements;
+    std::uint64_t hole = 0;
+    for (;;) {
+        std::uint64_t child = 2 * hole + 1;
+        if (child + 1 < count && pfnBetter(m_pData[child + 1], m_pData[child])) ++child;
+        if (child >= count || !pfnBetter(m_pData[child], sifted)) break;
+        m_pData[hole] = m_pData[child];
+        hole = child;
+    }
+    m_pData[hole] = sifted;
+}
+
+template <class T>
+void KxVectorTemplate<T>::Serialize(std::FILE* pStream, int bWriting, unsigned int un32Version) {
+    KxOk();
+    AtBoundary(nullptr, [&] {
+        if (bWriting)
+            WriteElements(pStream, *this, un32Version);
+        else
+            ReadElements(pStream, *this, un32Version);
+    });
+}
+
+template <class T>
+void KxVectorTemplate<T>::Save(const char* pszPath) {
+    SaveFile(pszPath, "KxVector::Save");
+}
+
+template <class T>
+void KxVectorTemplate<T>::Save(const unsigned short* pszPath) {
+    SaveFile(pszPath, "KxVector::Save ( Unicode)");
+}
+
+template <class T>
+void KxVectorTemplate<T>::Load(const char* pszPath) {
+    LoadFile(pszPath, "KxVector::Load");
+}
+
+template <class T>
+void KxVectorTemplate<T>::Load(const unsigned short* pszPath) {
+    LoadFile(pszPath, "KxVector::Load ( Unicode)");
+}
+
+template <class T>
+template <class Character>
+void KxVectorTemplate<T>::SaveFile(const Character* path, const char* traceName) {
+    AtBoundary(traceName, [&] {
+        const std::uint8_t version = ElementFormat<T>(1).CanHold(ElementsOf(*this)) ? 1 : 2;
+        Zelkor::Platform::File file(path, "wb");
+        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+        WriteBytes(file.Get(), MakeVectorFileHeader<T>(version));
+        KxOk();
+        Serialize(file.Get(), 1, version);
+        ThrowStoredFailure();
+        if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
+    });
+}
+
+template <class T>
+template <class Character>
+void KxVectorTemplate<T>::LoadFile(const Character* path, const char* traceName) {
+    AtBoundary(traceName, [&] {
+        Zelkor::Platform::File file(path, "rb");
+        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+        const VectorFileHeader header = ReadBytes<4>(file.Get());
+        const std::uint8_t version = header[2];
+        if (version < 1 || version > ElementFormat<T>::kNewestVersion ||
+            header != MakeVectorFileHeader<T>(version))
+            throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+        KxOk();
+        Serialize(file.Get(), 0, version);
+        ThrowStoredFailure();
+        if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
+    });
+}
+
+template class KxVectorTemplate<KxBW8>;
+template class KxVectorTemplate<KxBW16>;
+template class KxVectorTemplate<KxBW32>;
+template class KxVectorTemplate<KxC24>;
+template class KxVectorTemplate<KxINT32>;
+template class KxVectorTemplate<unsigned int>;
+template class KxVectorTemplate<KxRun>;
