@@ -81,33 +81,25 @@ void KxGenericROI::MakeEmpty() {
     m_pszTitleUnicode.reset();
 }
 
-void KxGenericROI::SetAuthor(const char* pszText) {
-    FreeBufferAndCopyString(m_pszAuthorASCII, pszText);
-}
+void KxGenericROI::SetAuthor(const char* pszText) { FreeBufferAndCopyString(m_pszAuthorASCII, pszText); }
 
 void KxGenericROI::SetAuthor(const unsigned short* pwszText) {
     FreeBufferAndCopyString(m_pszAuthorUnicode, pwszText);
 }
 
-void KxGenericROI::SetComment(const char* pszText) {
-    FreeBufferAndCopyString(m_pszCommentASCII, pszText);
-}
+void KxGenericROI::SetComment(const char* pszText) { FreeBufferAndCopyString(m_pszCommentASCII, pszText); }
 
 void KxGenericROI::SetComment(const unsigned short* pwszText) {
     FreeBufferAndCopyString(m_pszCommentUnicode, pwszText);
 }
 
-void KxGenericROI::SetDate(const char* pszText) {
-    FreeBufferAndCopyString(m_pszDateASCII, pszText);
-}
+void KxGenericROI::SetDate(const char* pszText) { FreeBufferAndCopyString(m_pszDateASCII, pszText); }
 
 void KxGenericROI::SetDate(const unsigned short* pwszText) {
     FreeBufferAndCopyString(m_pszDateUnicode, pwszText);
 }
 
-void KxGenericROI::SetTitle(const char* pszText) {
-    FreeBufferAndCopyString(m_pszTitleASCII, pszText);
-}
+void KxGenericROI::SetTitle(const char* pszText) { FreeBufferAndCopyString(m_pszTitleASCII, pszText); }
 
 void KxGenericROI::SetTitle(const unsigned short* pwszText) {
     FreeBufferAndCopyString(m_pszTitleUnicode, pwszText);
@@ -137,13 +129,9 @@ const KxGenericROI* KxGenericROI::GetNextROI(const KxGenericROI* pStop) const {
     return NextDepthFirst(this, pStop);
 }
 
-KxGenericROI* KxGenericROI::GetNextROI(KxGenericROI* pStop) {
-    return NextDepthFirst(this, pStop);
-}
+KxGenericROI* KxGenericROI::GetNextROI(KxGenericROI* pStop) { return NextDepthFirst(this, pStop); }
 
-unsigned int KxGenericROI::GetCurrentVersion() const {
-    return 4;
-}
+unsigned int KxGenericROI::GetCurrentVersion() const { return 4; }
 
 short KxGenericROI::SameSize(const KxGenericROI* pOther) const {
     return Conclude(m_n32Height == pOther->m_n32Height && m_n32Width == pOther->m_n32Width,

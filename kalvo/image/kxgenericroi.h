@@ -18,7 +18,8 @@ namespace Zelkor {
 class DrawAdapter;
 namespace Kalvo {
 struct RegionTree;
-}
+class RecordTransfer;
+}  // namespace Kalvo
 }  // namespace Zelkor
 
 /// Abstract base of every image and every region of interest (ROI).
@@ -205,8 +206,12 @@ protected:
 
 private:
     friend struct Zelkor::Kalvo::RegionTree;
+    friend class Zelkor::Kalvo::RecordTransfer;
 
-    // Descriptive texts.
+    /// The fields before and after the children in the record of every object.
+    void SerializeTexts(KxSerializer& serializer);
+    void SerializePlacement(KxSerializer& serializer);
+
     std::unique_ptr<char[]> m_pszAuthorASCII;
     std::unique_ptr<unsigned short[]> m_pszAuthorUnicode;
     std::unique_ptr<char[]> m_pszCommentASCII;

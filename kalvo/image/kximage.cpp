@@ -24,9 +24,7 @@ std::int64_t RoundUp(std::int64_t value, std::int64_t multiple) {
     return (value + multiple - 1) / multiple * multiple;
 }
 
-bool FitsInt32(std::int64_t value) {
-    return value <= std::numeric_limits<std::int32_t>::max();
-}
+bool FitsInt32(std::int64_t value) { return value <= std::numeric_limits<std::int32_t>::max(); }
 
 // Bytes from the first pixel to the end of the last row.
 std::uint64_t BlockBytes(std::int64_t bitsPerRow, std::int64_t height) {

@@ -74,11 +74,15 @@ protected:
     void MakeEmpty();
 
 private:
-    friend struct Zelkor::Kalvo::RegionTree;
+    friend class Zelkor::Kalvo::RecordTransfer;
 
     void Resize(int width, int height, bool clipChildren);
     KxImage* CopyImageTo(KxImage* pDestination, bool recursive) const;
+    /// Bytes of a row that hold pixels.
+    std::int64_t UsefulRowBytes() const;
     void SerializeFields(KxSerializer& serializer, unsigned version);
+    void ReadPixels(KxSerializer& serializer);
+    void WritePixels(KxSerializer& serializer);
 
     std::uint32_t m_aun32ReservedImage[2] = {};
     std::unique_ptr<std::uint8_t[]> m_pBuffer;

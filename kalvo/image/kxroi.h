@@ -136,7 +136,7 @@ protected:
     void CopyRegionTo(KxROI& destination, bool recursive) const;
 
 private:
-    friend struct Zelkor::Kalvo::RegionTree;
+    friend class Zelkor::Kalvo::RecordTransfer;
     template <class>
     friend class KxImage;
 

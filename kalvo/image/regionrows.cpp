@@ -15,12 +15,8 @@ BasicRegionRows<Byte> MakeRows(Region& region) {
 
 }  // namespace
 
-RegionRows RowsOf(KxGenericROI& region) {
-    return MakeRows<std::uint8_t>(region);
-}
+RegionRows RowsOf(KxGenericROI& region) { return MakeRows<std::uint8_t>(region); }
 
-ConstRegionRows RowsOf(const KxGenericROI& region) {
-    return MakeRows<const std::uint8_t>(region);
-}
+ConstRegionRows RowsOf(const KxGenericROI& region) { return MakeRows<const std::uint8_t>(region); }
 
 }  // namespace Zelkor::Kalvo

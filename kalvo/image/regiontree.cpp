@@ -14,8 +14,8 @@ const RegionTree::Axis RegionTree::kHorizontal = {&KxGenericROI::m_n32OrgX, &KxG
 const RegionTree::Axis RegionTree::kVertical = {&KxGenericROI::m_n32OrgY, &KxGenericROI::m_n32Height,
                                                 "KxROI::SetHeight"};
 
-void RegionTree::Append(KxGenericROI& parent, KxGenericROI& child) {
-    KxGenericROI** link = &parent.m_pFirstSubROI;
+void RegionTree::Append(KxGenericROI& parent, KxGenericROI& child, KxGenericROI* lastChild) {
+    KxGenericROI** link = lastChild ? &lastChild->m_pSibling : &parent.m_pFirstSubROI;
     while (*link) link = &(*link)->m_pSibling;
     *link = &child;
     child.m_pParent = &parent;

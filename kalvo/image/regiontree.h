@@ -19,8 +19,8 @@ struct RegionTree {
     static const Axis kHorizontal;
     static const Axis kVertical;
 
-    /// Appends `child`, which has no parent, to the children of `parent`.
-    static void Append(KxGenericROI& parent, KxGenericROI& child);
+    /// Appends `child`, which has no parent, to the children of `parent`, whose last child may be given.
+    static void Append(KxGenericROI& parent, KxGenericROI& child, KxGenericROI* lastChild = nullptr);
     /// Appends `child`, gives it the colour system of `parent`, and clips it.
     static void Attach(KxGenericROI& parent, KxGenericROI& child);
     /// Re-applies the own width and height of `region`, which clips it to its parent.
