@@ -50,9 +50,7 @@ bool File::Close() {
     return !stream || std::fclose(stream) == 0;
 }
 
-std::FILE* File::Release() {
-    return std::exchange(m_stream, nullptr);
-}
+std::FILE* File::Release() { return std::exchange(m_stream, nullptr); }
 
 std::int64_t SizeOf(std::FILE* stream) {
     const std::int64_t position = Position(stream);

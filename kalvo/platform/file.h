@@ -36,14 +36,10 @@ private:
 };
 
 /// Current position; -1 when the stream has none.
-inline std::int64_t Position(std::FILE* stream) {
-    return ftello(stream);
-}
+inline std::int64_t Position(std::FILE* stream) { return ftello(stream); }
 
 /// Moves to an absolute position; false when the stream cannot.
-inline bool Seek(std::FILE* stream, std::int64_t position) {
-    return fseeko(stream, position, SEEK_SET) == 0;
-}
+inline bool Seek(std::FILE* stream, std::int64_t position) { return fseeko(stream, position, SEEK_SET) == 0; }
 
 /// Size of the whole file, leaving the position where it is; -1 when the stream has no size.
 std::int64_t SizeOf(std::FILE* stream);

@@ -1,0 +1,192 @@
+// Images: buffers, wrapping, copies, swapping, physical size.
+
+#include "kalvo/image/kximage.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "tests/support/pixel_types.h"
+#include "tests/support/trace_recorder.h"
+
+namespace Zelkor::Kalvo::Testing {
+namespace {
+
+using Image = KxImage<KxBW8>;
+using Region = KxROI<KxBW8>;
+
+template <class Pixel>
+class ImageBuffer : public testing::Test {};
+TYPED_TEST_SUITE(ImageBuffer, AllPixels);
+
+TYPED_TEST(ImageBuffer, PadsRowsAndAlignsTheFirstPixel) {
+    constexpr int kBits = PixelTraits<TypeParam>::kBitsPerPixel;
+    KxImage<TypeParam> image(100, 10);
+    EXPECT_EQ(image.GetBitsPerRow(), (100 * kBits + 191) / 192 * 192);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(image.GetGenericImagePtr(0, 0)) % 32, 0u);
+    const auto* first = static_cast<const std::uint8_t*>(image.GetGenericImagePtr(0, 0));
+    EXPECT_EQ(image.GetGenericImagePtr(13, 3), first + 13 * kBits / 8 + 3 * image.GetRowPitch());
+    EXPECT_EQ(image.GetBitIndex(13, 0), kBits == 1 ? 5u : 0u);
+    EXPECT_EQ(KxImage<TypeParam>(1, 1).GetBitsPerRow(), 192);
+    // The block reaches beyond the last row by at least eight bytes: address sanitizer watches.
+    std::memset(image.GetGenericImagePtr(0, 0), 1, static_cast<std::size_t>(image.GetImgPitch()) + 8);
+}
+
+TYPED_TEST(ImageBuffer, IsCopiedDeeplyWhenOwnedAndSharedWhenNot) {
+    std::uint8_t pixels[40 * 12] = {};
+    KxImage<TypeParam> owner(30, 2), wrapper, copy;
+    for (int x = 0; x < 30; ++x) owner.SetPixel(SamplePixel<TypeParam>(static_cast<unsigned>(x)), x, 1);
+    copy = owner;
+    EXPECT_NE(copy.GetGenericImagePtr(0, 0), owner.GetGenericImagePtr(0, 0));
+    EXPECT_EQ(std::memcmp(copy.GetGenericImagePtr(0, 1), owner.GetGenericImagePtr(0, 1),
+                          static_cast<std::size_t>(30 * owner.GetBitsPerPixel() / 8)),
+              0);
+    wrapper.SetImagePtr(30, 1, pixels);
+    copy = wrapper;
+    EXPECT_EQ(copy.GetGenericImagePtr(0, 0), pixels);
+    EXPECT_EQ(copy.GetBitsPerRow(), wrapper.GetBitsPerRow());
+    EXPECT_EQ(copy.GetBitsPerRow() % 32, 0);
+    copy = KxImage<TypeParam>();
+    EXPECT_EQ(copy.Void(), 1);
+    EXPECT_EQ(copy.GetWidth(), 0);
+}
+
+TEST(ImageSize, KeepsPixelsOnlyWhenNothingChanges) {
+    Image image(20, 10);
+    image.SetPixel(99, 3, 3);
+    const void* buffer = image.GetImagePtr();
+    image.SetSize(20, 10);
+    EXPECT_EQ(image.GetImagePtr(), buffer);
+    EXPECT_EQ(image.GetPixel(3, 3), 99);
+    image.SetRectangleMask(0, 0, 5, 5);
+    const Image model(7, 8);
+    image.SetSize(&model);
+    EXPECT_EQ(image.GetExtent(), GenericRoiExtent(0, 0, 7, 8));
+    EXPECT_EQ(image.GetMaskRuns().GetNumElements(), 0u);
+    image.SetSize(0, 5);
+    EXPECT_EQ(image.Void(), 1);
+}
+
+TEST(ImageSize, RefusesWhatCannotBe) {
+    TraceRecorder trace;
+    Image image(5, 5);
+    KxImage<KxC24> color;
+    struct Case {
+        KxGenericROI& image;
+        int width, height;
+        KX_ERRORS code;
+    };
+    const Case cases[] = {{image, 70000, 70000, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
+                          {image, 65536, 65536, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
+                          {color, 40000, 40000, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
+                          {image, 0x40000001, 1, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
+                          {image, -1, -1, KX_ERROR_PARAMETER_1_OUT_OF_RANGE},
+                          {image, 5, -1, KX_ERROR_PARAMETER_1_OUT_OF_RANGE}};
+    for (const Case& test : cases) {
+        KxOk();
+        const GenericRoiExtent before = test.image.GetExtent();
+        test.image.SetSize(test.width, test.height);
+        EXPECT_EQ(KxGetError(), test.code) << test.width << " x " << test.height;
+        EXPECT_EQ(test.image.GetExtent(), before);
+    }
+    EXPECT_EQ(trace.Functions().back(), "KxImage::SetSize");
+    KxOk();
+}
+
+TEST(ImageSize, ClipsItsRegions) {
+    Image image(100, 100);
+    Region region(&image, 0, 0, 80, 90);
+    image.SetSize(50, 60);
+    EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 0, 50, 60));
+    std::uint8_t pixels[100] = {};
+    image.SetImagePtr(10, 10, pixels, 80);
+    EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 0, 10, 10));
+}
+
+TEST(ImageWrapping, TakesTheCallersRows) {
+    std::uint8_t pixels[80] = {};
+    KxImage<KxBW1> bits;
+    bits.SetImagePtr(33, 10, pixels);
+    EXPECT_EQ(bits.GetBitsPerRow(), 64);
+    Image image(4, 4);
+    image.SetImagePtr(10, 6, pixels);
+    EXPECT_EQ(image.GetBitsPerRow(), 96);
+    image.SetPixel(5, 2, 3);
+    EXPECT_EQ(pixels[3 * 12 + 2], 5);
+    image.SetImagePtr(pixels + 8, 8 * 8);
+    EXPECT_EQ(image.GetExtent(), GenericRoiExtent(0, 0, 10, 6));
+    EXPECT_EQ(image.GetRowPitch(), 8);
+    image.SetImagePtr(nullptr);
+    EXPECT_EQ(image.Void(), 1);
+    EXPECT_EQ(image.GetImagePtr(3, 3), nullptr);
+}
+
+TEST(ImageCopy, MovesTheMaskAndClonesTheTree) {
+    Image image(30, 30);
+    Region region(&image, 3, 4, 5, 6);
+    image.SetTitle("title");
+    image.SetRectangleMask(2, 1, 10, 3);
+    std::unique_ptr<Image> copy(image.CopyTo());
+    ASSERT_EQ(copy->GetMaskRuns().GetNumElements(), 3u);
+    EXPECT_EQ(copy->GetMaskRuns()[1].pBeg, copy->GetImagePtr(2, 2));
+    EXPECT_EQ(copy->GetMaskRuns()[1].pEnd, copy->GetImagePtr(12, 2));
+    EXPECT_STREQ(copy->GetTitle(), "title");
+    std::unique_ptr<KxGenericROI> clone(copy->GetFirstSubROI());
+    ASSERT_NE(clone, nullptr);
+    EXPECT_EQ(clone->GetExtent(), region.GetExtent());
+    EXPECT_EQ(clone->GetTopParent(), copy.get());
+
+    image.SetMaskOffsets(1);
+    image.SetRectangleMask(2, 1, 10, 3);
+    std::unique_ptr<KxROI<KxBW8>> twin(image.CreateROIClone(0));
+    EXPECT_EQ(twin->IsAnROI(), 0);
+    EXPECT_EQ(twin->GetMaskRuns()[0], image.GetMaskRuns()[0]) << "offsets hold wherever the pixels are";
+}
+
+TEST(ImageSwap, ExchangesPixelsOnly) {
+    TraceRecorder trace;
+    KxImage<KxC24> a(4, 4), b(4, 4), c(5, 4);
+    a.SetPixel(KxRed24, 1, 1);
+    b.SetPixel(KxBlue24, 1, 1);
+    a.SetTitle("a");
+    KxSwapImages(&a, &b);
+    EXPECT_EQ(a.GetPixel(1, 1), KxBlue24);
+    EXPECT_EQ(b.GetPixel(1, 1), KxRed24);
+    EXPECT_STREQ(a.GetTitle(), "a");
+    KxSwapImages(&a, &c);
+    EXPECT_EQ(KxGetError(), KX_ERROR_SIZE_MISMATCH);
+    EXPECT_EQ(trace.Functions(), std::vector<std::string>{"KxSwapImages ( C24)"});
+    KxOk();
+}
+
+TEST(ImagePixelSize, IsSharedByItsRegionsAndNeverZero) {
+    TraceRecorder trace;
+    Image image(10, 10);
+    Region region(&image, 0, 0, 5, 5);
+    float x = 0, y = 0;
+    const KxMeasurementUnit* unit = nullptr;
+    region.SetResolution(4, 8, &KxUnit_mm);
+    image.GetPixelDimensions(x, y, unit);
+    EXPECT_EQ(x, 0.25f);
+    EXPECT_EQ(y, 0.125f);
+    EXPECT_STREQ(unit->GetName(), "mm");
+    region.GetResolution(x, y, unit);
+    EXPECT_EQ(x, 4);
+    KxOk();
+    image.SetResolution(0, 2, &KxUnit_mm);
+    EXPECT_EQ(KxGetError(), KX_ERROR_PIXELS_FINITE_SIZE);
+    KxOk();
+    image.SetPixelDimensions(0, 2, &KxUnit_cm);
+    EXPECT_EQ(KxGetError(), KX_OK);
+    image.SetPixelDimensions(0, 0, &KxUnit_mm);
+    EXPECT_EQ(KxGetError(), KX_ERROR_PIXELS_FINITE_SIZE);
+    image.GetPixelDimensions(x, y, unit);
+    EXPECT_EQ(y, 2);
+    EXPECT_STREQ(unit->GetName(), "cm");
+    EXPECT_EQ(trace.Functions(),
+              (std::vector<std::string>{"KxGenericImage::SetResolution", "KxImage::SetPixelDimensions"}));
+    KxOk();
+}
+
+}  // namespace
+}  // namespace Zelkor::Kalvo::Testing

@@ -1,0 +1,37 @@
+#pragma once
+// The pixels of any region as plain bytes, row after row without padding, to compare and to fill.
+
+#include <cstddef>
+
+#include "kalvo/image/regionrows.h"
+#include "kalvo/platform/kernels/kernels.h"
+#include "tests/support/temporary_folder.h"
+
+namespace Zelkor::Kalvo::Testing {
+
+/// Bytes that a row of pixels takes; rows of bits end with a partly used one.
+inline std::size_t RowBytes(const KxGenericROI& region) {
+    return (static_cast<std::size_t>(region.GetWidth()) * region.GetBitsPerPixel() + 7) / 8;
+}
+
+/// All pixels; unused bits at the end of a row are 0.
+inline Bytes PixelBytes(const KxGenericROI& region) {
+    const ConstRegionRows rows = RowsOf(region);
+    const std::size_t rowBytes = RowBytes(region),
+                      bits = std::size_t{1} * region.GetWidth() * region.GetBitsPerPixel();
+    Bytes bytes(rowBytes * rows.height);
+    for (int y = 0; y < rows.height; ++y)
+        ActiveKernels().copyBits(rows.Row(y), rows.firstBit, bytes.data() + rowBytes * y, 0, bits);
+    return bytes;
+}
+
+/// Stores what `PixelBytes` gives.
+inline void SetPixelBytes(KxGenericROI& region, const Bytes& bytes) {
+    const RegionRows rows = RowsOf(region);
+    const std::size_t rowBytes = RowBytes(region),
+                      bits = std::size_t{1} * region.GetWidth() * region.GetBitsPerPixel();
+    for (int y = 0; y < rows.height; ++y)
+        ActiveKernels().copyBits(bytes.data() + rowBytes * y, 0, rows.Row(y), rows.firstBit, bits);
+}
+
+}  // namespace Zelkor::Kalvo::Testing
