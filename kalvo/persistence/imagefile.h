@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "kalvo/image/kximagefiletypes.h"
 #include "kalvo/image/regionrows.h"
@@ -23,6 +24,14 @@ struct SampleFormat {
     int planes;  ///< samples per pixel: 1 or 3
     int bits;    ///< bits of the first sample
 };
+
+/// The four planes of a `KxC24A` travel as one sample of 32 bits.
+template <class Pixel>
+constexpr SampleFormat FormatOf() {
+    using Traits = PixelTraits<Pixel>;
+    const int planes = Traits::kPlanesPerPixel == 4 ? 1 : Traits::kPlanesPerPixel;
+    return {Traits::kImageType, planes, Traits::kBitsPerPixel / planes};
+}
 
 /// Pixels per unit; both 0 when a file tells nothing.
 struct FileResolution {
@@ -69,7 +78,8 @@ struct SaveSource {
     FileResolution resolution;
 };
 
-/// A file open for reading, whose every access is checked against its size.
+/// A file open for reading, whose every access is checked against its size. Small reads that follow one
+/// another cost no system call of their own.
 class ImageFileReader {
 public:
     explicit ImageFileReader(std::FILE* stream);
@@ -89,8 +99,12 @@ public:
     std::FILE* Stream() const { return m_stream; }
 
 private:
+    void ReadStream(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
+
     std::FILE* m_stream;
     std::uint64_t m_size;
+    mutable std::vector<std::uint8_t> m_window;  // the part of the file around the latest small read
+    mutable std::uint64_t m_windowOffset = 0;
 };
 
 /// Writes bytes at the current position; throws KX_ERROR_FILE_WRITE.

@@ -37,13 +37,13 @@ inline constexpr std::size_t kTiffHeaderBytes = 8;
 inline constexpr std::size_t kTiffEntryBytes = 12;
 inline constexpr std::size_t kTiffInlineBytes = 4;  // values up to this size stand in the entry itself
 
-inline constexpr std::uint32_t kTiffUncompressed = 1;
-inline constexpr std::uint32_t kTiffPackBits = 32773;
-inline constexpr std::uint32_t kTiffBlackIsZero = 1;
-inline constexpr std::uint32_t kTiffRgb = 2;
-inline constexpr std::uint32_t kTiffNoUnit = 1;
-inline constexpr std::uint32_t kTiffInch = 2;
-inline constexpr std::uint32_t kTiffCentimetre = 3;
+inline constexpr std::uint16_t kTiffUncompressed = 1;
+inline constexpr std::uint16_t kTiffPackBits = 32773;
+inline constexpr std::uint16_t kTiffBlackIsZero = 1;
+inline constexpr std::uint16_t kTiffRgb = 2;
+inline constexpr std::uint16_t kTiffNoUnit = 1;
+inline constexpr std::uint16_t kTiffInch = 2;
+inline constexpr std::uint16_t kTiffCentimetre = 3;
 
 /// A text of a region and the tag that holds it in a file.
 struct TiffText {

@@ -43,8 +43,8 @@ private:
     std::array<std::uint8_t, 4096> m_piece;
 };
 
-/// A directory whose values are looked up by tag; of a tag that occurs twice, the last counts. Values of a type
-/// that is not asked for count as missing. Values beyond the end of the file throw KX_ERROR_FILE_READ.
+/// A directory whose values are looked up by tag; of a tag that occurs twice, the last counts. Values of a
+/// type that is not asked for count as missing. Values beyond the end of the file throw KX_ERROR_FILE_READ.
 class TiffDirectory {
 public:
     /// Throws KX_ERROR_BAD_FILE_FORMAT for anything that is no TIFF file.
@@ -73,7 +73,7 @@ private:
 
     const ImageFileReader& m_file;
     bool m_bigEndian = false;
-    std::uint64_t m_firstEntry = 0;        // offset in the file
+    std::uint64_t m_firstEntry = 0;       // offset in the file
     std::vector<std::uint8_t> m_entries;  // as they stand there
 };
 

@@ -33,7 +33,7 @@ File::File(const char* name, const char* mode) : m_stream(name ? std::fopen(name
 }
 
 File::File(const unsigned short* name, const char* mode) {
-    if (!name || !*name) return;
+    if (!name) return;
     if (const auto narrow = Utf8FromUtf16(name)) *this = File(narrow->c_str(), mode);
 }
 

@@ -103,28 +103,11 @@ void KxVectorTemplate<T>::SetNumElements(unsigned int un32NumElements) {
 }
 
 template <class T>
-void KxVectorTemplate<T>::AddElement(T value) {
-    Append(value, "KxVector::AddElement");
-}
-
-template <class T>
-void KxVectorTemplate<T>::AddElementByRef(T& value) {
-    Append(value, "KxVector::AddElementByRef");
-}
-
-template <class T>
-void KxVectorTemplate<T>::Append(const T& value, const char* traceName) {
-    const T appended = value;  // it may lie in the buffer that growing releases
-    if (m_un32NumElements == m_un32MaxElements) {
-        KxOk();
-        const std::uint64_t doubled = m_un32MaxElements ? 2 * std::uint64_t{m_un32MaxElements} : 1;
-        SetMaxElements(static_cast<unsigned>(std::min<std::uint64_t>(doubled, kMostElements<T>)), 1);
-        if (m_un32NumElements == m_un32MaxElements) {
-            Report(KX_ERROR_ALLOCATION, traceName);
-            return;
-        }
-    }
-    m_pData[m_un32NumElements++] = appended;
+void KxVectorTemplate<T>::Grow(const char* traceName) {
+    KxOk();
+    const std::uint64_t doubled = m_un32MaxElements ? 2 * std::uint64_t{m_un32MaxElements} : 1;
+    SetMaxElements(static_cast<unsigned>(std::min<std::uint64_t>(doubled, kMostElements<T>)), 1);
+    if (m_un32NumElements == m_un32MaxElements) Report(KX_ERROR_ALLOCATION, traceName);
 }
 
 template <class T>

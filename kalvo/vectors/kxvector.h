@@ -35,7 +35,8 @@ public:
 
     /// Copies the elements into `pDestination`, whose capacity becomes exactly their number, and returns it.
     /// Null makes a new vector, which belongs to the caller. Without memory for the buffer:
-    /// `KX_ERROR_ALLOCATION`, the destination is unchanged; without memory for the new vector null is returned.
+    /// `KX_ERROR_ALLOCATION`, the destination is unchanged; without memory for the new vector null is
+    /// returned.
     KxVectorTemplate* CopyTo(KxVectorTemplate* pDestination = nullptr) const;
 
     /// Number of elements in use.
@@ -56,8 +57,8 @@ public:
     void SetNumElements(unsigned int un32NumElements);
 
     /// Appends an element; a full buffer doubles. Without memory: `KX_ERROR_ALLOCATION`, nothing is appended.
-    void AddElement(T value);
-    void AddElementByRef(T& value);
+    void AddElement(T value) { Append(value, "KxVector::AddElement"); }
+    void AddElementByRef(T& value) { Append(value, "KxVector::AddElementByRef"); }
     /// Removes element `un32Index`; the following ones move down. Beyond the end:
     /// `KX_ERROR_PARAMETER_1_OUT_OF_RANGE`.
     void RemoveElement(unsigned int un32Index);
@@ -89,7 +90,12 @@ public:
 
 private:
     static T& SpareElement();
-    void Append(const T& value, const char* traceName);
+    // Takes a copy: the element may lie in the buffer that growing releases.
+    void Append(T value, const char* traceName) {
+        if (m_un32NumElements == m_un32MaxElements) Grow(traceName);
+        if (m_un32NumElements < m_un32MaxElements) m_pData[m_un32NumElements++] = value;
+    }
+    void Grow(const char* traceName);
     template <class Character>
     void SaveFile(const Character* path, const char* traceName);
     template <class Character>

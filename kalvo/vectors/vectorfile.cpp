@@ -10,9 +10,7 @@ constexpr std::size_t kBytesPerWidestRun = 20;
 
 using Chunk = std::array<std::uint8_t, kRunsPerChunk * kBytesPerWidestRun>;
 
-bool FitsIn32Bits(const void* address) {
-    return reinterpret_cast<std::uintptr_t>(address) <= UINT32_MAX;
-}
+bool FitsIn32Bits(const void* address) { return reinterpret_cast<std::uintptr_t>(address) <= UINT32_MAX; }
 
 }  // namespace
 
