@@ -12,6 +12,8 @@ namespace {
 
 constexpr unsigned kTaskModalExclamationOk = 0x2030;
 
+std::string TextOf(const char* text) { return text ? text : ""; }
+
 // Without memory for the text there is no box; the code is in the slot all the same.
 template <class Compose>
 void Show(const Compose& compose) {
@@ -37,7 +39,7 @@ KX_ERRORS KxTraceError(const char* pszFunctionName) {
     const KX_ERRORS error = KxGetError();
     const KX_TRACE_MODE mode = KxGetTraceMode();
     if (error < 1000 || (mode != KX_TRACE_MODE_MESSAGE && mode != KX_TRACE_MODE_FULL_MESSAGE)) return error;
-    Show([&] { return std::string("Function: ") + pszFunctionName + "\n" + KxGetErrorText(error); });
+    Show([&] { return "Function: " + TextOf(pszFunctionName) + "\n" + KxGetErrorText(error); });
     return error;
 }
 
@@ -47,8 +49,8 @@ short KxTraceFullError(const char* pszFileName, int n32Line, const char* pszStat
     const KX_TRACE_MODE mode = KxGetTraceMode();
     if (mode == (KX_TRACE_MODE_FULL_MESSAGE | KX_TRACE_MODE_CALLER_TRACE))
         Show([&] {
-            return std::string("File ") + pszFileName + ", line " + std::to_string(n32Line) + "\n" +
-                   pszStatement + "\n" + KxGetErrorText(error);
+            return "File " + TextOf(pszFileName) + ", line " + std::to_string(n32Line) + "\n" +
+                   TextOf(pszStatement) + "\n" + KxGetErrorText(error);
         });
     KxSetTraceMode(static_cast<KX_TRACE_MODE>(mode & ~KX_TRACE_MODE_CALLER_TRACE));
     return static_cast<short>(error);
@@ -58,6 +60,4 @@ void KxKxTraceTraceMode() {
     KxSetTraceMode(static_cast<KX_TRACE_MODE>(KxGetTraceMode() | KX_TRACE_MODE_CALLER_TRACE));
 }
 
-void TraceSilent() {
-    KxSetTraceMode(KX_TRACE_MODE_SILENT);
-}
+void TraceSilent() { KxSetTraceMode(KX_TRACE_MODE_SILENT); }

@@ -174,7 +174,8 @@ public:
 
     /// Writes header and record to an archive. Failures end in the error slot, and the stream returns to
     /// where it was: `KX_ERROR_NOT_OPEN_FOR_WRITE`, `KX_ERROR_FILE_WRITE` (also for more than 1000 levels of
-    /// children), `KX_ERROR_NEEDS_SPECIALIZATION` (float pixels).
+    /// children), `KX_ERROR_NEEDS_SPECIALIZATION` (float pixels), `KX_ERROR_IMAGE_MEMORY_ACCESS` (an image
+    /// without pixels, or with rows that overlap).
     void Save(KxSerializer* pSerializer) const;
     /// The same to an open file, which stays open after the object.
     void Save(std::FILE* pFile) const;
@@ -182,7 +183,9 @@ public:
     /// Failures end in the error slot, the stream returns to the header, and the object is left as it was
     /// (no header of this type there) or empty: `KX_ERROR_NOT_OPEN_FOR_READ`, `KX_ERROR_BAD_FILE_FORMAT`,
     /// `KX_ERROR_WRONG_OBJECT_TYPE`, `KX_ERROR_UNSUPPORTED_FILE_VERSION`, `KX_ERROR_FILE_READ`,
-    /// `KX_ERROR_ALLOCATION`. A child that cannot be read ends the list of children and leaves its code.
+    /// `KX_ERROR_ALLOCATION`. A child that cannot be read ends the list of children of a region, which then
+    /// reads its own fields from wrong bytes, and fails an image; either way its code is left. A child placed
+    /// beyond its parent in an image covers it instead and leaves `KX_ERROR_ROI_OUT_OF_PARENT`.
     void Load(KxSerializer* pSerializer);
     /// The same from an open file, which stays open after the object.
     void Load(std::FILE* pFile);

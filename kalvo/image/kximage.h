@@ -78,8 +78,6 @@ private:
 
     void Resize(int width, int height, bool clipChildren);
     KxImage* CopyImageTo(KxImage* pDestination, bool recursive) const;
-    /// Bytes of a row that hold pixels.
-    std::int64_t UsefulRowBytes() const;
     void SerializeFields(KxSerializer& serializer, unsigned version);
     void ReadPixels(KxSerializer& serializer);
     void WritePixels(KxSerializer& serializer);

@@ -24,7 +24,7 @@ void RegionTree::Append(KxGenericROI& parent, KxGenericROI& child, KxGenericROI*
 void RegionTree::Attach(KxGenericROI& parent, KxGenericROI& child) {
     Append(parent, child);
     child.m_eColorSystem = parent.m_eColorSystem;
-    Clip(child);
+    if (child.IsAnROI()) Clip(child);  // an image in a tree keeps the size of its buffer
 }
 
 void RegionTree::Clip(KxGenericROI& region) {
@@ -97,7 +97,7 @@ bool RegionTree::SetSize(KxGenericROI& region, const Axis& axis, std::int64_t si
             nodeSize = node->*step.axis->size;
         }
         if (const KxGenericROI* parent = node->m_pParent) {
-            nodeSize = std::min(nodeSize, std::int64_t{parent->*step.axis->size} - node->*step.axis->origin);
+            nodeSize = std::min(nodeSize, RoomFor(*node, *step.axis));
             if (nodeSize < 0) {
                 keptOrigin &= node != &region;
                 node->m_n32OrgX = node->m_n32OrgY = 0;
@@ -132,6 +132,48 @@ void RegionTree::SetOrigin(KxGenericROI& region, const Axis& axis, std::int32_t 
 void RegionTree::ClipChildren(KxGenericROI& parent) {
     for (KxGenericROI* child = parent.m_pFirstSubROI; child; child = child->m_pSibling)
         if (child->IsAnROI()) Clip(*child);
+}
+
+bool RegionTree::FitDescendants(KxGenericROI& image) {
+    bool allInside = true;
+    KxGenericROI* node = image.m_pFirstSubROI;
+    while (node) {
+        if (node->IsAnROI()) {
+            allInside &= FitIntoParent(*node);
+            if (node->m_pFirstSubROI) {
+                node = node->m_pFirstSubROI;
+                continue;
+            }
+        }
+        // An image below is the root of its own regions.
+        while (node != &image && !node->m_pSibling) node = node->m_pParent;
+        node = node == &image ? nullptr : node->m_pSibling;
+    }
+    return allInside;
+}
+
+bool RegionTree::FitIntoParent(KxGenericROI& region) {
+    const bool isInside = RoomFor(region, kHorizontal) >= 0 && RoomFor(region, kVertical) >= 0;
+    if (!isInside) {
+        region.m_n32OrgX = region.m_n32OrgY = 0;
+        region.m_n32Width = region.m_pParent->m_n32Width;
+        region.m_n32Height = region.m_pParent->m_n32Height;
+    }
+    for (const Axis* axis : {&kHorizontal, &kVertical}) {
+        const std::int64_t size = std::min(std::int64_t{region.*axis->size}, RoomFor(region, *axis));
+        region.*axis->size = static_cast<std::int32_t>(size);
+    }
+    return isInside;
+}
+
+std::int64_t RegionTree::RoomFor(const KxGenericROI& region, const Axis& axis) {
+    const KxGenericROI& parent = *region.m_pParent;
+    const std::int64_t room = std::int64_t{parent.*axis.size} - region.*axis.origin;
+    const int bits = region.GetBitsPerPixel();
+    const int parentBits = parent.GetBitsPerPixel();
+    if (room < 0 || &axis == &kVertical || bits <= parentBits) return room;
+    // Only archives make trees that mix pixel types. Wider pixels end where the rows of the parent end.
+    return room * parentBits / bits;
 }
 
 }  // namespace Zelkor::Kalvo

@@ -41,6 +41,14 @@ struct RegionTree {
                           const char* setterName);
     /// Re-applies the own width and height of every child, which clips them to their parent.
     static void ClipChildren(KxGenericROI& parent);
+    /// Clips every region below an image whose tree holds placements of unknown origin, in one pass. False
+    /// when some lay beyond their parent; those cover it now.
+    static bool FitDescendants(KxGenericROI& image);
+
+private:
+    /// Pixels that the parent of `region` leaves it along an axis; negative when its origin lies beyond.
+    static std::int64_t RoomFor(const KxGenericROI& region, const Axis& axis);
+    static bool FitIntoParent(KxGenericROI& region);
 };
 
 }  // namespace Zelkor::Kalvo

@@ -103,9 +103,14 @@ Field Rational(float number) {
     return field;
 }
 
-// Bytes of header, directory and data area: where the first strip starts.
+// Where the data area starts: right after the directory.
+std::uint64_t DataOffset(const Directory& directory) {
+    return kTiffHeaderBytes + 2 + directory.size() * kTiffEntryBytes + 4;
+}
+
+// Where the first strip starts.
 std::uint64_t HeadBytes(const Directory& directory) {
-    std::uint64_t bytes = kTiffHeaderBytes + 2 + directory.size() * kTiffEntryBytes + 4;
+    std::uint64_t bytes = DataOffset(directory);
     for (const auto& [tag, field] : directory) bytes += field.DataBytes();
     return bytes;
 }
@@ -116,16 +121,16 @@ Bytes Assemble(const Directory& directory) {
     AppendLittleEndian(head, kTiffMagic);
     AppendLittleEndian(head, static_cast<std::uint32_t>(kTiffHeaderBytes));
     AppendLittleEndian(head, static_cast<std::uint16_t>(directory.size()));
-    std::size_t dataOffset = kTiffHeaderBytes + 2 + directory.size() * kTiffEntryBytes + 4;
+    std::uint64_t dataOffset = DataOffset(directory);
     for (const auto& [tag, field] : directory) {
         AppendLittleEndian(head, static_cast<std::uint16_t>(tag));
         AppendLittleEndian(head, static_cast<std::uint16_t>(field.type));
         AppendLittleEndian(head, field.count);
-        const std::size_t valueOffset = head.size();
-        AppendLittleEndian(head, static_cast<std::uint32_t>(dataOffset));
         if (field.IsInline()) {
-            std::fill_n(head.begin() + valueOffset, kTiffInlineBytes, 0);
-            std::ranges::copy(field.values, head.begin() + valueOffset);
+            head.insert(head.end(), field.values.begin(), field.values.end());
+            head.resize(head.size() + kTiffInlineBytes - field.values.size());
+        } else {
+            AppendLittleEndian(head, static_cast<std::uint32_t>(dataOffset));
         }
         dataOffset += field.DataBytes();
     }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <span>
 #include <vector>
 
 #include "kalvo/frame/checkedsize.h"
@@ -18,24 +19,25 @@ namespace {
 constexpr std::uint32_t kCoreHeaderBytes = 12;
 constexpr float kCorePixelsPerMetre = 1000;  // a core header tells no resolution
 
-/// How pixels lie in a file. Words of 16 bits without masks are 5, 5, 5 bits by the definition of the format,
-/// but there are programs that mean 5, 6, 5: the destination decides.
+/// How pixels lie in a file, and which destinations take them.
 struct Layout {
     int bits;  ///< of a stored pixel
     IMAGE_FILE_TYPES type;
     std::array<KX_ERRORS, 8> refusals;  ///< by pixel type; KX_OK where it takes the file
 };
 
+// Words of 16 bits without masks are 5, 5, 5 bits by the definition of the format, but there are programs
+// that mean 5, 6, 5: the destination decides.
 // clang-format off
 constexpr KX_ERRORS kOk = KX_OK, kBw1 = KX_ERROR_BW1_EXPECTED, kBw16 = KX_ERROR_BW16_EXPECTED,
                     kC15 = KX_ERROR_C15_EXPECTED, kC16 = KX_ERROR_C16_EXPECTED, kC24 = KX_ERROR_C24_EXPECTED,
                     kBilevel = KX_ERROR_BILEVEL_IMAGE_EXPECTED, kGray = KX_ERROR_GRAY_IMAGE_EXPECTED,
                     kColor = KX_ERROR_COLOR_IMAGE_EXPECTED, kNoBmp = KX_ERROR_UNSUPPORTED_BMP,
-                    kOther = KX_ERROR_INTERNAL;
+                    kFault = KX_ERROR_INTERNAL;
 
 //                                                     BW1       BW8     BW16    BW32    C15     C16     C24     C24A
 constexpr Layout kBits1{1, IMAGE_FILE_BMP_BILEVEL,    {kOk,      kGray,  kGray,  kGray,  kColor, kColor, kColor, kGray}};
-constexpr Layout kGray8{8, IMAGE_FILE_BMP_GRAY,       {kBw1,     kOk,    kBw16,  kOther, kColor, kColor, kColor, kOther}};
+constexpr Layout kGray8{8, IMAGE_FILE_BMP_GRAY,       {kBw1,     kOk,    kBw16,  kFault, kColor, kColor, kColor, kFault}};
 constexpr Layout kWords555{16, IMAGE_FILE_BMP_COLOR,  {kBilevel, kGray,  kGray,  kGray,  kOk,    kC15,   kC15,   kC15}};
 constexpr Layout kWords565{16, IMAGE_FILE_BMP_COLOR,  {kBilevel, kGray,  kGray,  kGray,  kC16,   kOk,    kC16,   kC16}};
 constexpr Layout kWords16{16, IMAGE_FILE_BMP_COLOR,   {kBilevel, kGray,  kGray,  kGray,  kOk,    kOk,    kC16,   kC16}};
@@ -77,6 +79,8 @@ const Layout* MaskedLayout(const ImageFileReader& file, std::uint64_t masksOffse
     throw Exception(KX_ERROR_UNSUPPORTED_BMP);
 }
 
+// The fields of both headers stand at fixed offsets from the start of the file.
+
 Picture ReadCoreHeader(const ImageFileReader& file) {
     const auto planes = file.Field<std::uint16_t>(22);
     const auto bitCount = file.Field<std::uint16_t>(24);
@@ -103,6 +107,7 @@ Picture ReadInfoHeader(const ImageFileReader& file) {
                     .height = static_cast<std::uint32_t>(std::abs(height)),
                     .isTopDown = height < 0,
                     .headerEnd = kBmpFileHeaderBytes + kBmpInfoHeaderBytes};
+    // Masks of 32-bit pixels are not looked at: the words load as they are.
     if (compression == kBmpBitFields && (bitCount == 15 || bitCount == 16)) {
         picture.layout = MaskedLayout(file, picture.headerEnd);
         picture.headerEnd += sizeof(BmpMasks);

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <limits>
+#include <utility>
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/checkedsize.h"
+#include "kalvo/image/regionrows.h"
+#include "kalvo/image/regiontree.h"
 #include "kalvo/persistence/recordtransfer.h"
 #include "kalvo/persistence/streambytes.h"
 
@@ -16,10 +21,10 @@ namespace {
 class Padding {
 public:
     // Writes zeros, or reads bytes and forgets them.
-    void Transfer(KxSerializer& stream, std::uint64_t bytes) {
+    void Transfer(KxSerializer& stream, std::int64_t bytes) {
         while (bytes > 0) {
-            const std::uint64_t piece = std::min<std::uint64_t>(bytes, m_bytes.size());
-            TransferBlock(stream, m_bytes.data(), piece, "padding");
+            const auto piece = static_cast<unsigned>(std::min(bytes, std::int64_t{sizeof(m_bytes)}));
+            stream.SerializeBytes(m_bytes.data(), piece, "padding");
             bytes -= piece;
         }
     }
@@ -28,31 +33,62 @@ private:
     std::array<std::uint8_t, 4096> m_bytes = {};
 };
 
-// Exchanges rows of `storedBytes` each with rows in memory, of which `usefulBytes` hold pixels. A null
-// `first` stands for rows of an empty image, which a stream may hold all the same.
-void TransferRows(KxSerializer& stream, std::uint8_t* first, std::int64_t pitchBytes, std::int32_t height,
-                  std::uint64_t storedBytes, std::uint64_t usefulBytes) {
-    RequireBytes(stream, CheckedSize(storedBytes, static_cast<std::uint64_t>(height)));
+// Bytes of a row that hold pixels.
+template <class Pixel>
+std::int64_t UsefulRowBytes(std::int32_t width) {
+    return (std::int64_t{width} * PixelTraits<Pixel>::kBitsPerPixel + 7) / 8;
+}
+
+// Exchanges rows of `storedBytes` each with rows in memory, of which `usefulBytes` hold pixels. A stream may
+// hold rows of an image without pixels too.
+void TransferRows(KxSerializer& stream, const RegionRows& rows, std::int64_t storedBytes,
+                  std::int64_t usefulBytes) {
+    if (storedBytes == 0) return;
     Padding padding;
-    const std::uint64_t pixelBytes = first ? std::min(storedBytes, usefulBytes) : 0;
-    for (std::int32_t y = 0; y < height; ++y) {
-        if (first) TransferBlock(stream, first + pitchBytes * y, pixelBytes, "m_pImagePtr");
+    const std::int64_t pixelBytes = rows.first ? usefulBytes : 0;
+    for (int y = 0; y < rows.height; ++y) {
+        if (rows.first)
+            TransferBlock(stream, rows.Row(y), static_cast<std::uint64_t>(pixelBytes), "m_pImagePtr");
         padding.Transfer(stream, storedBytes - pixelBytes);
     }
 }
 
-// Throws when the numbers of an image in a stream can't be those of an image of that pixel type.
-void RequireSoundSize(std::int32_t width, std::int32_t height, int bitsPerPixel) {
-    const bool sound = width >= 0 && height >= 0 && width <= INT32_MAX / bitsPerPixel - 192 &&
-                       (std::int64_t{width} * height * (bitsPerPixel / 8)) >> 32 == 0;
-    if (!sound) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+// The same in one transfer, padding included, when the rows lie in memory as in the stream.
+void TransferPixels(KxSerializer& stream, const RegionRows& rows, std::int64_t storedBytes,
+                    std::int64_t usefulBytes) {
+    if (storedBytes != rows.pitchBytes) return TransferRows(stream, rows, storedBytes, usefulBytes);
+    TransferBlock(stream, rows.first, static_cast<std::uint64_t>(storedBytes * rows.height), "m_pImagePtr");
 }
 
-// Sizes an image to what a stream says; throws the code that the image reports.
+// Bytes that one row of an image takes in a stream; the rows of a wrapped buffer may run upwards. Throws when
+// pixels are missing, or lie over those of the next row.
 template <class Pixel>
-void ResizeTo(KxImage<Pixel>& image, std::int32_t width, std::int32_t height) {
+std::int64_t RequireStorableRows(const KxImage<Pixel>& image) {
+    const std::int64_t rowBytes = std::abs(image.GetRowPitch());
+    const bool hasPixels = image.GetWidth() != 0 && image.GetHeight() != 0;
+    if (hasPixels && (image.Void() || rowBytes < UsefulRowBytes<Pixel>(image.GetWidth())))
+        throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
+    return rowBytes;
+}
+
+// Gives an image the size that a stream tells. Throws when no image of the pixel type has that size, or when
+// the stream is too short for its rows.
+template <class Pixel>
+void ResizeTo(KxImage<Pixel>& image, std::int32_t width, std::int32_t height, std::int64_t storedRowBytes,
+              const KxSerializer& stream) {
+    // The limits of KxImage::SetSize: rows padded to 192 bits, less than 4 GiB of pixels.
+    constexpr int kBits = PixelTraits<Pixel>::kBitsPerPixel;
+    constexpr std::int64_t kMostRowBits = std::numeric_limits<std::int32_t>::max() / 192 * 192;
+    if (width < 0 || height < 0 || std::int64_t{width} * kBits > kMostRowBits ||
+        (std::int64_t{width} * height * (kBits / 8)) >> 32 != 0 ||
+        storedRowBytes < UsefulRowBytes<Pixel>(width))
+        throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+    RequireBytes(stream,
+                 CheckedSize(static_cast<std::uint64_t>(storedRowBytes), static_cast<std::uint64_t>(height)));
+
     image.SetSize(width, height);
     if (image.GetWidth() != width || image.GetHeight() != height) throw Exception(KX_ERROR_ALLOCATION);
+    RequireStorableRows(image);
 }
 
 // The version of the two dimensional values in an image record.
@@ -73,11 +109,6 @@ void TransferDimensionalValue(KxSerializer& stream, KxDimensionalValue& value, u
 }  // namespace
 
 template <class Pixel>
-std::int64_t KxImage<Pixel>::UsefulRowBytes() const {
-    return (std::int64_t{this->m_n32Width} * PixelTraits<Pixel>::kBitsPerPixel + 7) / 8;
-}
-
-template <class Pixel>
 void KxImage<Pixel>::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
     RecordTransfer(*pSerializer).Run(*this, RecordTransfer::ClassOf<KxImage>(), un32Version);
 }
@@ -90,19 +121,21 @@ void KxImage<Pixel>::SerializeFields(KxSerializer& serializer, unsigned version)
     else
         WritePixels(serializer);
     const unsigned valueVersion = ValueVersion(serializer.IsReading(), version);
-    TransferDimensionalValue(serializer, m_PixelHeight, valueVersion);
-    TransferDimensionalValue(serializer, m_PixelWidth, valueVersion);
+    KxDimensionalValue height = m_PixelHeight;
+    KxDimensionalValue width = m_PixelWidth;
+    TransferDimensionalValue(serializer, height, valueVersion);
+    TransferDimensionalValue(serializer, width, valueVersion);
+    m_PixelHeight = height;
+    m_PixelWidth = width;
 }
 
 template <class Pixel>
 void KxImage<Pixel>::WritePixels(KxSerializer& serializer) {
-    if (!m_pImagePtr && this->m_n32Width != 0 && this->m_n32Height != 0)
-        throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
+    const std::int64_t rowBytes = RequireStorableRows(*this);
+    auto bitsPerRow = static_cast<std::int32_t>(rowBytes * 8);
     TransferValue(serializer, m_n32BitsPerPixel, "m_n32BitsPerPixel");
-    TransferValue(serializer, m_n32BitsPerRow, "m_n32BitsPerRow");
-    const auto pitch = static_cast<std::uint64_t>(GetRowPitch());
-    TransferBlock(serializer, m_pImagePtr, pitch * static_cast<std::uint64_t>(this->m_n32Height),
-                  "m_pImagePtr");
+    TransferValue(serializer, bitsPerRow, "m_n32BitsPerRow");
+    TransferPixels(serializer, RowsOf(*this), rowBytes, UsefulRowBytes<Pixel>(this->m_n32Width));
 }
 
 template <class Pixel>
@@ -111,41 +144,28 @@ void KxImage<Pixel>::ReadPixels(KxSerializer& serializer) {
     std::int32_t bitsPerRow = 0;
     TransferValue(serializer, bitsPerPixel, "m_n32BitsPerPixel");
     TransferValue(serializer, bitsPerRow, "m_n32BitsPerRow");
+    if (bitsPerPixel != m_n32BitsPerPixel || bitsPerRow < 0) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+
+    // Before the size is set, which clips regions too, but may walk a tree made for it many times.
+    const bool regionsInside = RegionTree::FitDescendants(*this);
     const std::int32_t width = std::exchange(this->m_n32Width, 0);
     const std::int32_t height = std::exchange(this->m_n32Height, 0);
     this->m_n32OrgX = this->m_n32OrgY = 0;
-    RequireSoundSize(width, height, PixelTraits<Pixel>::kBitsPerPixel);
-    if (bitsPerPixel != m_n32BitsPerPixel || bitsPerRow < 0 || bitsPerRow % 8 != 0 ||
-        bitsPerRow < std::int64_t{width} * bitsPerPixel)
-        throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-    const auto storedPitch = static_cast<std::uint64_t>(bitsPerRow / 8);
-    RequireBytes(serializer, storedPitch * static_cast<std::uint64_t>(height));
-
-    ResizeTo(*this, width, height);
-    if (bitsPerRow == m_n32BitsPerRow)  // as the library lays out its buffers: one transfer
-        TransferBlock(serializer, m_pImagePtr, storedPitch * static_cast<std::uint64_t>(height),
-                      "m_pImagePtr");
-    else
-        TransferRows(serializer, m_pImagePtr, GetRowPitch(), height, storedPitch,
-                     static_cast<std::uint64_t>(UsefulRowBytes()));
+    ResizeTo(*this, width, height, bitsPerRow / 8, serializer);
+    TransferPixels(serializer, RowsOf(*this), bitsPerRow / 8, UsefulRowBytes<Pixel>(width));
+    if (!regionsInside) KxSetError(KX_ERROR_ROI_OUT_OF_PARENT);
 }
 
 template <class Pixel>
 void KxImage<Pixel>::PartialSerialize(KxSerializer* pSerializer) {
-    std::int32_t width = this->m_n32Width, height = this->m_n32Height, storedPitch = GetRowPitch();
+    const bool reading = pSerializer->IsReading();
+    std::int32_t width = this->m_n32Width, height = this->m_n32Height;
+    auto rowBytes = reading ? 0 : static_cast<std::int32_t>(RequireStorableRows(*this));
     TransferValue(*pSerializer, width, "n32Width");
     TransferValue(*pSerializer, height, "n32Height");
-    TransferValue(*pSerializer, storedPitch, "numberOfBytesPerRowPadded");
-    if (pSerializer->IsReading()) {
-        RequireSoundSize(width, height, PixelTraits<Pixel>::kBitsPerPixel);
-        if (storedPitch < 0 || storedPitch * std::int64_t{8} < std::int64_t{width} * m_n32BitsPerPixel)
-            throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-        const auto rowBytes = static_cast<std::uint64_t>(storedPitch);
-        RequireBytes(*pSerializer, rowBytes * static_cast<std::uint64_t>(height));
-        ResizeTo(*this, width, height);
-    }
-    TransferRows(*pSerializer, m_pImagePtr, GetRowPitch(), height, static_cast<std::uint64_t>(storedPitch),
-                 static_cast<std::uint64_t>(UsefulRowBytes()));
+    TransferValue(*pSerializer, rowBytes, "numberOfBytesPerRowPadded");
+    if (reading) ResizeTo(*this, width, height, rowBytes, *pSerializer);
+    TransferRows(*pSerializer, RowsOf(*this), rowBytes, UsefulRowBytes<Pixel>(width));
 }
 
 template <class Pixel>
@@ -162,19 +182,15 @@ void KxImage<Pixel>::PartialSerialize(std::FILE* pFile, int bWriting) {
 template <class Pixel>
 void KxImage<Pixel>::VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int un32Align) {
     if (un32Align == 0) throw Exception(KX_ERROR_PARAMETER_2_OUT_OF_RANGE);
+    const bool reading = pSerializer->IsReading();
+    if (!reading) RequireStorableRows(*this);
     std::int32_t width = this->m_n32Width, height = this->m_n32Height;
     TransferValue(*pSerializer, width, "n32Width");
     TransferValue(*pSerializer, height, "n32Height");
-    const auto useful = [&] { return static_cast<std::uint64_t>(UsefulRowBytes()); };
-    const auto padded = [&](std::uint64_t bytes) { return (bytes + un32Align - 1) / un32Align * un32Align; };
-    if (pSerializer->IsReading()) {
-        RequireSoundSize(width, height, PixelTraits<Pixel>::kBitsPerPixel);
-        const std::uint64_t rowBytes =
-            (static_cast<std::uint64_t>(width) * PixelTraits<Pixel>::kBitsPerPixel + 7) / 8;
-        RequireBytes(*pSerializer, CheckedSize(padded(rowBytes), static_cast<std::uint64_t>(height)));
-        ResizeTo(*this, width, height);
-    }
-    TransferRows(*pSerializer, m_pImagePtr, GetRowPitch(), height, padded(useful()), useful());
+    const std::int64_t usefulBytes = UsefulRowBytes<Pixel>(width);
+    const std::int64_t rowBytes = (usefulBytes + un32Align - 1) / un32Align * un32Align;
+    if (reading) ResizeTo(*this, width, height, rowBytes, *pSerializer);
+    TransferRows(*pSerializer, RowsOf(*this), rowBytes, usefulBytes);
 }
 
 template <class Pixel>
@@ -194,7 +210,6 @@ KxSerializer::ObjectType KxImage<Pixel>::GetSerializationType() {
 }
 
 #define KX_INSTANTIATE(Pixel)                                                                        \
-    template KX_API std::int64_t KxImage<Pixel>::UsefulRowBytes() const;                             \
     template KX_API void KxImage<Pixel>::Serialize(KxSerializer*, unsigned int);                     \
     template KX_API void KxImage<Pixel>::SerializeFields(KxSerializer&, unsigned);                   \
     template KX_API void KxImage<Pixel>::ReadPixels(KxSerializer&);                                  \

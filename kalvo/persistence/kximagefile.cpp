@@ -82,13 +82,17 @@ void LoadFile(SampleFormat format, KxGenericROI* pRegion, const Character* path,
     });
 }
 
+bool HasPixels(const KxGenericROI& region) {
+    return !region.Void() && region.GetWidth() > 0 && region.GetHeight() > 0;
+}
+
 // Nothing is created before type and source are known to be right.
 template <class Character>
 void SaveFile(SampleFormat format, const KxGenericROI* pRegion, const Character* path, int fileType) {
     AtBoundary(kTraceNames[format.type].save.For(path), [&] {
         if (!path) throw Exception(KX_ERROR_FILE_OPEN);
         const IMAGE_FILE_TYPES type = ChooseFileType(format.type, fileType, ExtensionOf(path));
-        if (!pRegion || pRegion->Void()) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
+        if (!pRegion || !HasPixels(*pRegion)) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
         const SaveSource source{*pRegion, format, RowsOf(*pRegion), ResolutionOf(*pRegion)};
         Zelkor::Platform::File file(path, "w+b");
         if (!file) throw Exception(KX_ERROR_FILE_OPEN);

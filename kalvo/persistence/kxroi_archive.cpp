@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kalvo/frame/boundary.h"
+#include "kalvo/image/regiontree.h"
 #include "kalvo/persistence/recordtransfer.h"
 #include "kalvo/persistence/streambytes.h"
 
@@ -13,9 +14,8 @@ using namespace Zelkor::Kalvo;
 namespace {
 
 // What an object of no further class archives.
-constexpr ArchivedClass kGenericClass = {.type = KxSerializer::NoObject,
-                                         .create = nullptr,
-                                         .makeEmpty = [](KxGenericROI&) {},
+constexpr ArchivedClass kGenericClass = {.create = nullptr,
+                                         .makeEmpty = RegionTree::ReleaseChildren,
                                          .transferFields = [](KxGenericROI&, KxSerializer&, unsigned) {}};
 
 // Text is read in pieces, so that a forged count on a stream of unknown length cannot take more memory than

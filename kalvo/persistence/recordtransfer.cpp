@@ -82,12 +82,12 @@ void RecordTransfer::Run(KxGenericROI& root, const ArchivedClass& rootClass, uns
     try {
         BeginRecord(level);
         while (!m_levels.empty()) Walk();
+        if (m_childFailure) KxSetError(m_childFailure);
         return;
     } catch (const TooManyLevels&) {
         failure = m_reading ? KX_ERROR_BAD_FILE_FORMAT : KX_ERROR_FILE_WRITE;
     } catch (...) {
-        failure = m_levels.front().childFailure;
-        if (!failure) failure = CurrentExceptionError(KX_ERROR_ARCHIVE_ACCESS);
+        failure = m_childFailure ? m_childFailure : CurrentExceptionError(KX_ERROR_ARCHIVE_ACCESS);
     }
     if (m_reading) empty();
     throw Exception(failure);
@@ -123,6 +123,7 @@ void RecordTransfer::BeginRecord(Level& level) {
 }
 
 void RecordTransfer::BeginNextChild() {
+    ThrowChildFailure();
     if (m_levels.size() > kMaxLevels) throw TooManyLevels();
     Level& parent = m_levels.back();
     --parent.childrenLeft;
@@ -147,6 +148,7 @@ void RecordTransfer::BeginNextChild() {
 
 void RecordTransfer::EndRecord() {
     Level& level = m_levels.back();
+    if (!level.object->IsAnROI()) ThrowChildFailure();
     level.object->SerializePlacement(m_stream);
     level.archivedClass->transferFields(*level.object, m_stream, level.version);
     if (level.rewinder) level.rewinder->Keep();
@@ -163,13 +165,15 @@ void RecordTransfer::EndRecord() {
 // or passes the exception on when that object is the root or is being written.
 void RecordTransfer::AbsorbChildFailure() {
     if (!m_reading || m_levels.size() == 1) throw;
-    KX_ERRORS failure = m_levels.back().childFailure;
-    if (!failure) failure = CurrentExceptionError(KX_ERROR_ARCHIVE_ACCESS);
+    if (!m_childFailure) m_childFailure = CurrentExceptionError(KX_ERROR_ARCHIVE_ACCESS);
     m_levels.pop_back();
-    Level& parent = m_levels.back();
-    parent.childrenLeft = 0;
-    parent.childFailure = failure;
-    KxSetError(failure);
+    m_levels.back().childrenLeft = 0;
+}
+
+// Where a broken child ends is unknown, so what its ancestors read is not theirs. A few fields do no harm,
+// but children and pixels that overlap could make a small archive take hours.
+void RecordTransfer::ThrowChildFailure() const {
+    if (m_childFailure) throw Exception(m_childFailure);
 }
 
 }  // namespace Zelkor::Kalvo

@@ -16,7 +16,6 @@ namespace Zelkor::Kalvo {
 
 /// What the walk needs to know of a class whose objects are archived.
 struct ArchivedClass {
-    KxSerializer::ObjectType type;  ///< NoObject when no archive holds such objects on their own
     std::unique_ptr<KxGenericROI> (*create)();
     void (*makeEmpty)(KxGenericROI&);
     void (*transferFields)(KxGenericROI&, KxSerializer&, unsigned version);  ///< what follows the placement
@@ -76,7 +75,7 @@ public:
     ~RecordTransfer();
 
     /// Exchanges the record of `root`, without its header. When reading fails the object is left empty, and
-    /// the exception of the first failure passes on.
+    /// the code of the first failure is thrown.
     void Run(KxGenericROI& root, const ArchivedClass& rootClass, unsigned version);
 
 private:
@@ -90,8 +89,7 @@ private:
         unsigned version = 0;
         std::unique_ptr<KxGenericROI> made;  // reading: owns the object until its parent does
         std::uint32_t childrenLeft = 0;
-        KxGenericROI* child = nullptr;  // reading: the last child; writing: the next one
-        KX_ERRORS childFailure = KX_OK;
+        KxGenericROI* child = nullptr;           // reading: the last child; writing: the next one
         std::optional<StreamRewinder> rewinder;  // none for the root, whose caller rewinds
     };
 
@@ -100,16 +98,17 @@ private:
     void BeginNextChild();
     void EndRecord();
     void AbsorbChildFailure();
+    void ThrowChildFailure() const;
 
     KxSerializer& m_stream;
     bool m_reading;
+    KX_ERRORS m_childFailure = KX_OK;  // of the first child that could not be read
     std::deque<Level> m_levels;
 };
 
 template <class Object>
 const ArchivedClass& RecordTransfer::ClassOf() {
     static constexpr ArchivedClass kClass = {
-        .type = ObjectTypeOf<Object>(),
         .create = []() -> std::unique_ptr<KxGenericROI> { return std::make_unique<Object>(); },
         .makeEmpty = [](KxGenericROI& object) { static_cast<Object&>(object).MakeEmpty(); },
         .transferFields =

@@ -1,11 +1,10 @@
 // Reads TIFF files: which pictures are accepted, which destination takes them, and in which order things
 // change.
 
-#include <array>
 #include <limits>
-#include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "kalvo/frame/checkedsize.h"
 #include "kalvo/persistence/imagefile.h"
@@ -110,15 +109,15 @@ IMAGE_FILE_TYPES ReadTiff(const ImageFileReader& file, const LoadTarget& target)
     RequireFit(picture, target.Format());
     target.RequireSize(picture.width, picture.height);
 
-    std::array<std::optional<std::string>, std::size(kTiffTexts)> texts;
-    for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = directory.Text(kTiffTexts[i].tag);
+    std::vector<std::pair<const TiffText*, std::string>> texts;
+    for (const TiffText& text : kTiffTexts)
+        if (auto value = directory.Text(text.tag)) texts.emplace_back(&text, std::move(*value));
     const FileResolution resolution = ResolutionIn(directory);
     RequireStrips(file, directory, picture);
 
     const RegionRows rows = target.Prepare(picture.width, picture.height, resolution);
     ReadStrips(file, directory, picture, rows, target.Format().bits);
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        if (texts[i]) (target.Region().*kTiffTexts[i].set)(texts[i]->c_str());
+    for (const auto& [text, value] : texts) (target.Region().*text->set)(value.c_str());
     return TypeOf(picture);
 }
 
