@@ -200,6 +200,19 @@ TEST_F(Bmp, KeepsTheResolutionInWholePixelsPerMetre) {
     }
 }
 
+TEST_F(Bmp, MayBeLargerThanAnyBuffer) {
+    const auto expectSame = [this](auto image) {
+        decltype(image) loaded;
+        Testing::FillPattern(image, 1);
+        image.Save(folder.File("a.bmp").c_str());
+        loaded.Load(folder.File("a.bmp").c_str());
+        EXPECT_TRUE(Testing::SamePixels(loaded, image)) << image.GetWidth();
+    };
+    expectSame(KxImage<KxBW8>(301, 500));
+    expectSame(KxImage<KxC24>(30000, 2));
+    expectSame(KxImage<KxBW1>(600003, 2));
+}
+
 TEST_F(Bmp, WritesBilevelRegionsThatStartAtAnyBit) {
     for (int x = 0; x < 9; ++x) {
         KxImage<KxBW1> frame(90, 4), loaded;

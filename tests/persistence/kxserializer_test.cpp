@@ -6,36 +6,22 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
-#include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "kalvo/measure/kxdimensionalvalue.h"
 #include "kalvo/persistence/streambytes.h"
 #include "kalvo/platform/file.h"
+#include "tests/support/streams.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/trace_recorder.h"
 
 namespace Zelkor::Kalvo {
 namespace {
 
-using Testing::Bytes;
-using Testing::TemporaryFolder;
-using Testing::Wide;
-using Stream = std::unique_ptr<KxSerializer>;
+using namespace Testing;
 
 constexpr auto kFailedPeek = static_cast<KxSerializer::ObjectType>(-1);
-
-template <class Operation>
-KX_ERRORS CodeThrownBy(Operation operation) {
-    try {
-        operation();
-    } catch (const Exception& exception) {
-        return exception.GetError();
-    }
-    return KX_OK;
-}
 
 std::uint8_t NextByte(KxSerializer& stream) {
     std::uint8_t byte = 0;
@@ -161,7 +147,7 @@ TEST_P(EveryStream, PeeksAtTheNextObjectAndStaysWhereItIs) {
         {{0x4B, 34, 4, 0}, kFailedPeek, KX_ERROR_BAD_FILE_FORMAT},
         {{0x4B, 34, 4}, kFailedPeek, KX_ERROR_FILE_READ},
     };
-    const Testing::TraceRecorder trace;
+    const TraceRecorder trace;
     for (const auto& [bytes, type, error] : cases) {
         const Stream reader = Reader(bytes);
         KxOk();
@@ -366,39 +352,6 @@ TEST(KxMemSerializer, SwitchesDirectionAndDropsWhatItHeld) {
 }
 
 // ---- Streams of other makers ----
-
-// Archives into a vector and notes the transfers. Reading too far, it fails in a way of its own.
-struct CountingStream : KxOpaqueSerializer {
-    explicit CountingStream(bool isWriting, Bytes contents = {})
-        : bytes(std::move(contents)), writing(isWriting) {}
-
-    void SerializeBytes(void* data, unsigned int size, const char*) override {
-        transfers.emplace_back(data, size);
-        auto* field = static_cast<std::uint8_t*>(data);
-        if (writing) {
-            if (size <= kLargestKept) bytes.insert(bytes.end(), field, field + size);
-        } else {
-            if (size > bytes.size() - next) throw 42;
-            std::copy_n(bytes.data() + next, size, field);
-            next += size;
-        }
-    }
-    int IsWriting() const override { return writing; }
-    int IsEOS() const override { return next == bytes.size(); }
-    void PushStreamPos() override { saved.push_back(next); }
-    void PopAndForgetStreamPos() override { saved.pop_back(); }
-    void PopAndApplyStreamPos() override {
-        next = saved.back();
-        saved.pop_back();
-    }
-
-    static constexpr unsigned int kLargestKept = 1024;
-    Bytes bytes;
-    bool writing;
-    std::size_t next = 0;
-    std::vector<std::size_t> saved;
-    std::vector<std::pair<void*, unsigned int>> transfers;
-};
 
 TEST(OtherStreams, CarryAnObjectThroughTheBaseClass) {
     CountingStream writer(true);

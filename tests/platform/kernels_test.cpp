@@ -90,7 +90,7 @@ bool SameOutput(const Kernels& kernels, std::size_t sourceSize, std::size_t outp
 class KernelSet : public testing::TestWithParam<Kernels> {};
 const std::vector<Kernels> kSets(AvailableKernels().begin(), AvailableKernels().end());
 INSTANTIATE_TEST_SUITE_P(Available, KernelSet, testing::ValuesIn(kSets),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& set) { return std::string(set.param.name); });
 
 TEST_P(KernelSet, ExchangesRedAndBlueInPlaceAndNot) {
     for (std::size_t pixels = 0; pixels <= kMaxLength; ++pixels) {

@@ -66,7 +66,8 @@ public:
         return Numbers(TiffTag::StripByteCounts, TiffType::Long, m_stripByteCounts, 4);
     }
 
-    Bytes Build() const {
+    /// The file.
+    operator Bytes() const {
         Bytes file = m_file;
         std::map<TiffTag, std::uint32_t> offsets;
         for (const auto& [tag, field] : m_fields) {

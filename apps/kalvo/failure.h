@@ -1,0 +1,52 @@
+#pragma once
+// Failures on their way from the spot that meets them to the line that tells the user.
+
+#include <optional>
+#include <string>
+#include <type_traits>
+
+#include "kalvo/frame/kxerror.h"
+
+namespace App {
+
+/// What went wrong, and the library's code for it.
+struct Failure {
+    std::string reason;
+    int code;
+
+    /// The failure of that code, in the library's words.
+    static Failure Of(KX_ERRORS code) { return {KxGetErrorText(code), code}; }
+};
+
+/// Runs an operation of the library and returns its result; throws the failure that it leaves in the slot.
+template <class Operation>
+auto Checked(const Operation& operation) {
+    const auto checkSlot = [] {
+        if (KxFailure()) throw Failure::Of(KxGetError());
+    };
+    KxOk();
+    if constexpr (std::is_void_v<std::invoke_result_t<Operation>>) {
+        operation();
+        checkSlot();
+    } else {
+        auto result = operation();
+        checkSlot();
+        return result;
+    }
+}
+
+/// Prints the exception being handled as "kalvo: FILE: reason (code)" on the standard error stream.
+Failure ReportCurrentFailure(const std::string& file);
+
+/// Runs what belongs to one file; reports the failure, if there is one, and returns it.
+template <class Operation>
+std::optional<Failure> Attempt(const std::string& file, const Operation& operation) {
+    try {
+        operation();
+        return std::nullopt;
+    } catch (...) {
+        return ReportCurrentFailure(file);
+    }
+}
+
+}  // namespace App

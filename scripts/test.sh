@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests; arguments go to ctest: test.sh -R TiffRead
+set -euo pipefail
+
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+cmake --preset dev
+cmake --build --preset dev
+ctest --preset dev "$@"
