@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -11,15 +10,9 @@
 #include "kalvo/frame/kxtrace.h"
 #include "kalvo/image/kximage.h"
 #include "kalvo/persistence/imagefile.h"
+#include "fuzz/require.h"
 
 namespace Zelkor::Kalvo::Fuzzing {
-
-/// Ends the process, so that the fuzzing engine keeps the input.
-inline void Require(bool condition, const char* what) {
-    if (condition) return;
-    std::fprintf(stderr, "broken: %s\n", what);
-    std::abort();
-}
 
 using Reader = IMAGE_FILE_TYPES (*)(const ImageFileReader&, const LoadTarget&);
 

@@ -1,6 +1,7 @@
 // Writes TIFF files: header, directory and its values, then the rows in strips.
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 #include <map>
@@ -115,13 +116,29 @@ std::uint64_t HeadBytes(const Directory& directory) {
     return bytes;
 }
 
+// What is too long for its entry, in the order of the format: arrays, rationals, texts. Notes where each is.
+Bytes MakeDataArea(const Directory& directory, std::map<TiffTag, std::uint32_t>& offsets) {
+    static constexpr std::array<TiffType, 2> kGroups[] = {
+        {TiffType::Short, TiffType::Long}, {TiffType::Rational}, {TiffType::Ascii}};
+    Bytes data;
+    for (const auto& group : kGroups)
+        for (const auto& [tag, field] : directory) {
+            if (field.IsInline() || std::ranges::find(group, field.type) == group.end()) continue;
+            offsets[tag] = static_cast<std::uint32_t>(DataOffset(directory) + data.size());
+            data.insert(data.end(), field.values.begin(), field.values.end());
+            data.resize(data.size() + data.size() % 2);
+        }
+    return data;
+}
+
 Bytes Assemble(const Directory& directory) {
+    std::map<TiffTag, std::uint32_t> offsets;
+    const Bytes data = MakeDataArea(directory, offsets);
     Bytes head{'I', 'I'};
     head.reserve(HeadBytes(directory));
     AppendLittleEndian(head, kTiffMagic);
     AppendLittleEndian(head, static_cast<std::uint32_t>(kTiffHeaderBytes));
     AppendLittleEndian(head, static_cast<std::uint16_t>(directory.size()));
-    std::uint64_t dataOffset = DataOffset(directory);
     for (const auto& [tag, field] : directory) {
         AppendLittleEndian(head, static_cast<std::uint16_t>(tag));
         AppendLittleEndian(head, static_cast<std::uint16_t>(field.type));
@@ -130,16 +147,11 @@ Bytes Assemble(const Directory& directory) {
             head.insert(head.end(), field.values.begin(), field.values.end());
             head.resize(head.size() + kTiffInlineBytes - field.values.size());
         } else {
-            AppendLittleEndian(head, static_cast<std::uint32_t>(dataOffset));
+            AppendLittleEndian(head, offsets[tag]);
         }
-        dataOffset += field.DataBytes();
     }
     AppendLittleEndian(head, std::uint32_t{0});  // no further directory
-    for (const auto& [tag, field] : directory) {
-        if (field.IsInline()) continue;
-        head.insert(head.end(), field.values.begin(), field.values.end());
-        head.resize(head.size() + head.size() % 2);
-    }
+    head.insert(head.end(), data.begin(), data.end());
     return head;
 }
 

@@ -117,13 +117,10 @@ FileResolution ResolutionOf(const KxGenericROI& region) {
     return resolution;
 }
 
-// Images keep the size of a pixel, its inverse: 1000 pixels per metre come back as 999.99994. Adding what
-// such roundings may take away lets a resolution survive any number of loads and saves.
+// A file of 1000 pixels per metre may come back as 999: images keep the size of a pixel, its inverse.
 std::uint32_t WholePixels(float pixelsPerUnit, std::uint32_t largest) {
-    constexpr double kRounding = 1e-6;
-    const double pixels = double{pixelsPerUnit} * (1 + kRounding);
-    if (!(pixels > 0)) return 0;
-    return pixels < largest ? static_cast<std::uint32_t>(pixels) : largest;
+    if (!(pixelsPerUnit > 0)) return 0;
+    return double{pixelsPerUnit} < largest ? static_cast<std::uint32_t>(pixelsPerUnit) : largest;
 }
 
 void LoadTarget::RequireSize(std::uint32_t width, std::uint32_t height) const {

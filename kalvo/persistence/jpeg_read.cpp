@@ -52,8 +52,7 @@ void ReadRows(Decoder& decoder) {
 
 void RequirePossibleTarget(const SampleFormat& format) {
     if (format.planes == 1 && format.bits == 1) throw Exception(KX_ERROR_BILEVEL_IMAGE_EXPECTED);
-    const bool isColor = format.planes == 3 || format.type == KX_IMAGE_C24A;
-    if (isColor && format.bits != 8) throw Exception(KX_ERROR_UNSUPPORTED_JPEG);
+    if (format.planes == 3 && format.bits != 8) throw Exception(KX_ERROR_UNSUPPORTED_JPEG);
 }
 
 void RequireFit(const jpeg_decompress_struct& info, const SampleFormat& format) {
@@ -62,6 +61,7 @@ void RequireFit(const jpeg_decompress_struct& info, const SampleFormat& format) 
     if ((!isGray && !isColor) || info.arith_code) throw Exception(KX_ERROR_UNSUPPORTED_JPEG);
     if (isColor && format.planes == 1) throw Exception(KX_ERROR_GRAY_IMAGE_EXPECTED);
     if (isGray && format.planes == 3) throw Exception(KX_ERROR_COLOR_IMAGE_EXPECTED);
+    if (format.type == KX_IMAGE_C24A) throw Exception(KX_ERROR_UNSUPPORTED_JPEG);
     if (format.bits == 16) throw Exception(KX_ERROR_BW16_EXPECTED);
     if (format.bits == 32) throw Exception(KX_ERROR_BW32_EXPECTED);
 }

@@ -186,10 +186,10 @@ TEST_F(Bmp, KeepsTheResolutionInWholePixelsPerMetre) {
         EXPECT_STREQ(foundUnit->GetName(), unit);
     };
     KxImage<KxC24> image(2, 2), loaded;
-    image.SetResolution(10, 20.0006f, &KxUnit_mm);
+    image.SetResolution(1024, 2048.5f, &KxUnit_m);
     image.Save(folder.File("a.bmp").c_str());
     loaded.Load(folder.File("a.bmp").c_str());
-    expectResolution(loaded, 10000, 20000, "m");
+    expectResolution(loaded, 1024, 2048, "m");
     Load(loaded, BmpFile{.headerBytes = 12}.Build());
     expectResolution(loaded, 1000, 1000, "m");
     EXPECT_EQ(loaded.GetPixel(1, 0), KxC24(12, 11, 10));

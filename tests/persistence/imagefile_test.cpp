@@ -318,7 +318,7 @@ TEST_F(ImageFile, CreatesTheFirstImageThatTakesTheFile) {
     EXPECT_TRUE(traces.Boxes().empty());
 }
 
-TEST(FileResolution, ConvertsBetweenUnitsAndKeepsWholeNumbers) {
+TEST(FileResolution, ConvertsBetweenUnitsAndCutsFractionsOff) {
     KxImage<KxBW8> image(1, 1);
     const struct {
         float x;
@@ -326,11 +326,12 @@ TEST(FileResolution, ConvertsBetweenUnitsAndKeepsWholeNumbers) {
         const KxMeasurementUnit* found;  // null: the image's own
         std::uint32_t perMetre;
     } kResolutions[] = {
-        {1000, KxUnit_m, &KxUnit_m, 1000},
-        {10, KxUnit_mm, &KxUnit_mm, 10000},
+        {1024, KxUnit_m, &KxUnit_m, 1024},
+        {1000, KxUnit_m, &KxUnit_m, 999},  // the image holds its inverse, 0.001
+        {10, KxUnit_mm, &KxUnit_mm, 9999},
         {300, KxUnit_inch, &KxUnit_inch, 11811},
         {2.9f, KxUnit_m, &KxUnit_m, 2},
-        {7, KxUnitNone, &KxUnitNone, 7},
+        {8, KxUnitNone, &KxUnitNone, 8},
         {3, {0, "blob"}, nullptr, 3},
         {4, {2, "inch"}, nullptr, 2},
         {1e30f, KxUnit_m, &KxUnit_m, 50000},

@@ -163,7 +163,7 @@ TEST_F(TiffRead, TakesTextsFromTheirEntryOrAnOffset) {
     TiffBuilder file = Gray(1, 1).Strip({1});
     const std::uint32_t offset = file.Store({'m', 'a', 'p', 0});
     file.Text(DocumentName, "abc")
-        .Text(ImageDescription, "a longer text")
+        .Text(ImageDescription, std::string("a longer text\0 cut", 18))
         .Entry(DateTime, TiffType::Ascii, 4, offset);
     Load(image, file);
     EXPECT_STREQ(image.GetTitle(), "abc");
@@ -171,15 +171,20 @@ TEST_F(TiffRead, TakesTextsFromTheirEntryOrAnOffset) {
     EXPECT_STREQ(image.GetDate(), "map");
     EXPECT_STREQ(image.GetAuthor(), "kept");
 
-    // Four letters without NUL, an empty text, a text that ends early, and one at an offset that is no text.
-    file.Entry(DocumentName, TiffType::Ascii, 4, 0x64636261)
+    // Entries win over what stands at the offset they would be, unless that alone is a text.
+    TiffBuilder odd = Gray(1, 1).Strip({1});
+    Bytes block(300, 'x');
+    block['a' - 9] = 'z';
+    block['b' - 9] = 0;
+    EXPECT_EQ(odd.Store(block), 9u);
+    odd.Text(DocumentName, "a")
         .Text(ImageDescription, "")
-        .Text(DateTime, std::string("long\0er", 7))
+        .Entry(DateTime, TiffType::Ascii, 4, 0x64636261)
         .Entry(Artist, TiffType::Ascii, 2, 0xE9);
-    Load(image, file);
-    EXPECT_STREQ(image.GetTitle(), "abcd");
+    Load(image, odd);
+    EXPECT_STREQ(image.GetTitle(), "a");
     EXPECT_STREQ(image.GetComment(), "");
-    EXPECT_STREQ(image.GetDate(), "long");
+    EXPECT_STREQ(image.GetDate(), "abcd");
     EXPECT_STREQ(image.GetAuthor(), "\xE9");
 }
 

@@ -88,13 +88,13 @@ TEST_F(TiffWrite, WritesTheseBytes) {
                            {259, 3, 1, 1},
                            {262, 3, 1, 2},
                            {269, 2, 4, 0x00636261},
-                           {270, 2, 6, kData + 6},
-                           {273, 4, 2, kData + 12},
+                           {270, 2, 6, kData + 38},
+                           {273, 4, 2, kData + 6},
                            {277, 3, 1, 3},
                            {278, 3, 1, 1},
-                           {279, 4, 2, kData + 20},
-                           {282, 5, 1, kData + 28},
-                           {283, 5, 1, kData + 36},
+                           {279, 4, 2, kData + 14},
+                           {282, 5, 1, kData + 22},
+                           {283, 5, 1, kData + 30},
                            {296, 3, 1, 1},
                            {315, 2, 7, kData + 44}}) {
         AppendLittleEndian(expected, row.tag);
@@ -105,11 +105,11 @@ TEST_F(TiffWrite, WritesTheseBytes) {
     // clang-format off
     const Bytes rest{0, 0, 0, 0,                          // no further directory
                      8, 0, 8, 0, 8, 0,                    // bits per sample
-                     'h', 'e', 'l', 'l', 'o', 0,          // comment
                      246, 0, 0, 0, 249, 0, 0, 0,          // strip offsets
                      3, 0, 0, 0, 3, 0, 0, 0,              // strip byte counts
                      0, 0, 0, 128, 0, 0, 0, 128,          // 1.0 pixels
                      0, 0, 0, 128, 0, 0, 0, 128,          // in both directions
+                     'h', 'e', 'l', 'l', 'o', 0,          // comment
                      'm', 'e', ' ', 't', 'o', 'o', 0, 0,  // author
                      3, 2, 1, 6, 5, 4};                   // red, green, blue
     // clang-format on
