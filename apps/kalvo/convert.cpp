@@ -10,6 +10,8 @@
 namespace App {
 namespace {
 
+using Extent = Zelkor::Kalvo::GenericRoiExtent;
+
 void CopyTexts(const KxGenericROI& from, KxGenericROI& to) {
     to.SetTitle(from.GetTitle());
     to.SetTitle(from.GetTitleUnicode());
@@ -32,7 +34,7 @@ void CopyPixelSize(const KxGenericROI& from, KxGenericROI& to) {
 // A new image of the wanted type with the pixels of a rectangle of `image`, its texts and its pixel size.
 template <class From>
 Object ConvertPart(KxImage<From>& image, const ConvertOptions& options) {
-    const auto part = options.region.value_or(Zelkor::Kalvo::GenericRoiExtent(image));
+    const auto part = options.region.value_or(Extent(0, 0, image.GetWidth(), image.GetHeight()));
     KxROI<From> region;
     Checked([&] {
         region.Attach(&image);

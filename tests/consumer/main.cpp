@@ -8,7 +8,7 @@
 
 namespace {
 
-// Ready before main and before the library's own start-up code can have run: units and colours are constants.
+// Made before main runs, from the library's globals.
 struct EarlyUser {
     KxDimensionalValue length{25.4f, &KxUnit_mm};
     KxC24 color = KxRed24;

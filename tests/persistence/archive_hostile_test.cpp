@@ -45,14 +45,12 @@ KX_ERRORS Load(KxGenericROI& object, WatchedReader& reader) {
     return KxGetError();
 }
 
-ArchiveBuilder GoodImage() {
-    return ArchiveBuilder()
-        .Begin(34, 1)
-        .Region(47, 1, 1, 1, 1)
-        .Place(0, 0, 3, 2)
-        .Pixels(8, 192, Bytes(48, 7))
-        .PixelSizes();
+// An image of 3 x 2 pixels from after its children.
+ArchiveBuilder RestOfImage(ArchiveBuilder archive) {
+    return archive.Place(0, 0, 3, 2).Pixels(8, 192, Bytes(48, 7)).PixelSizes();
 }
+
+ArchiveBuilder GoodImage() { return RestOfImage(ArchiveBuilder().Begin(34, 1).Region(47, 1, 1, 1, 1)); }
 
 ArchiveBuilder Nested(int levels) {
     ArchiveBuilder archive;
@@ -111,16 +109,23 @@ const HostileArchive kHostileArchives[] = {
      KX_ERROR_BAD_FILE_FORMAT},
     {"a child cut short", ArchiveBuilder().Begin(34, 1).Header(47).Numbers({500}).Raw(Bytes(99)),
      KX_ERROR_FILE_READ},
-    {"a child before its parent", ArchiveBuilder().Begin(34, 1).Region(47, -1, 0, 1, 1).Raw(Bytes(999)),
+    {"a child before its parent", RestOfImage(ArchiveBuilder().Begin(34, 1).Region(47, -1, 0, 1, 1)),
      KX_ERROR_BAD_FILE_FORMAT},
-    {"a child of negative width", ArchiveBuilder().Begin(34, 1).Region(47, 0, 0, -1, 1).Raw(Bytes(999)),
+    {"a child of negative height", RestOfImage(ArchiveBuilder().Begin(34, 1).Region(47, 0, 0, 1, -1)),
      KX_ERROR_BAD_FILE_FORMAT},
     {"a child image that is broken",
      ArchiveBuilder().Begin(34, 1).Begin(34, 0).Place(0, 0, 9, 9).Pixels(1, 8, Bytes(999)),
      KX_ERROR_BAD_FILE_FORMAT},
-    {"a grandchild of a later version",
-     ArchiveBuilder().Begin(34, 1).Begin(47, 1).Begin(47, 0, 9).Raw(Bytes(999)),
+    {"a grandchild of a later version, whose header then makes a child of negative origin",
+     RestOfImage(ArchiveBuilder().Begin(34, 1).Begin(47, 1).Begin(47, 0, 0x85)),
      KX_ERROR_UNSUPPORTED_FILE_VERSION},
+    {"a broken child whose texts are the fields of an empty image",
+     ArchiveBuilder()
+         .Begin(34, 1)
+         .Header(47)
+         .Numbers({0, 0, 0, 0, 0, 0, 0, 8, 0, 0, 0, 0, -1})
+         .Raw(Bytes(99)),
+     KX_ERROR_BAD_FILE_FORMAT},
     {"a grandchild of no type", ArchiveBuilder().Begin(34, 1).Begin(47, 1).Begin(99, 0).Raw(Bytes(999)),
      KX_ERROR_WRONG_OBJECT_TYPE},
     {"too many levels", Nested(1001), KX_ERROR_BAD_FILE_FORMAT},

@@ -116,8 +116,8 @@ TEST_F(PartialRecord, NeedsPixels) {
     std::uint8_t pixels[16] = {};
     const Bytes record = ArchiveBuilder().Numbers({5, 3, 5}).Raw(Bytes(15));
     Image image;
-    for (std::uint8_t* first : {static_cast<std::uint8_t*>(nullptr), pixels}) {
-        image.SetImagePtr(5, 3, first, 32);  // missing, or with rows over one another
+    for (const bool missing : {true, false}) {
+        image.SetImagePtr(5, 3, missing ? nullptr : pixels, missing ? 40 : 32);  // or one row over the next
         const Stream reader = ReaderOf(record);
         const Bytes written = Written([&](KxSerializer& writer) {
             EXPECT_EQ(CodeThrownBy([&] { image.PartialSerialize(&writer); }), KX_ERROR_IMAGE_MEMORY_ACCESS);
