@@ -39,17 +39,15 @@ std::int64_t UsefulRowBytes(std::int32_t width) {
     return (std::int64_t{width} * PixelTraits<Pixel>::kBitsPerPixel + 7) / 8;
 }
 
-// Exchanges rows of `storedBytes` each with rows in memory, of which `usefulBytes` hold pixels. A stream may
-// hold rows of an image without pixels too.
+// Exchanges rows of `storedBytes` each with rows in memory, of which `usefulBytes` hold pixels: none when the
+// image is empty, of which a stream may hold rows all the same.
 void TransferRows(KxSerializer& stream, const RegionRows& rows, std::int64_t storedBytes,
                   std::int64_t usefulBytes) {
     if (storedBytes == 0) return;
     Padding padding;
-    const std::int64_t pixelBytes = rows.first ? usefulBytes : 0;
     for (int y = 0; y < rows.height; ++y) {
-        if (rows.first)
-            TransferBlock(stream, rows.Row(y), static_cast<std::uint64_t>(pixelBytes), "m_pImagePtr");
-        padding.Transfer(stream, storedBytes - pixelBytes);
+        TransferBlock(stream, rows.Row(y), static_cast<std::uint64_t>(usefulBytes), "m_pImagePtr");
+        padding.Transfer(stream, storedBytes - usefulBytes);
     }
 }
 

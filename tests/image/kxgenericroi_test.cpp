@@ -28,27 +28,16 @@ TEST(RegionTree, WalksParentsBeforeChildrenInListOrder) {
     EXPECT_EQ(static_cast<const KxGenericROI&>(b).GetNextROI(root), nullptr);
 }
 
-TEST(RegionTree, AddsOriginsUpToTheTop) {
+TEST(RegionTree, AddsOriginsUpToTheTopImage) {
+    TraceRecorder trace;
     Image image(100, 80);
-    Region outer(&image, 10, 20, 60, 50), inner(&outer, 5, 7, 20, 20);
+    Region outer(&image, 10, 20, 60, 50), inner(&outer, 5, 7, 20, 20), detached;
     EXPECT_EQ(inner.GetTotalOrgX(), 15);
     EXPECT_EQ(inner.GetTotalOrgY(), 27);
     EXPECT_EQ(inner.GetTotalWidth(), 100);
-    EXPECT_EQ(inner.GetTotalHeight(), 80);
-    EXPECT_EQ(image.GetTotalOrgX(), 0);
-    EXPECT_EQ(inner.GetExtent(), GenericRoiExtent(5, 7, 20, 20));
-}
-
-TEST(RegionTree, ReportsAMissingTopImage) {
-    TraceRecorder trace;
-    KxOk();
-    Region detached;
     EXPECT_EQ(detached.GetTotalWidth(), 0);
     EXPECT_EQ(KxGetError(), KX_ERROR_ROI_HAS_NO_PARENT);
-    detached.GetTotalHeight();
-    EXPECT_EQ(trace.Functions(), (std::vector<std::string>{"KxROI::GetTopParent", "KxROI::GetTotalWidth",
-                                                           "KxROI::GetTopParent", "KxROI::GetTotalHeight"}));
-    KxOk();
+    EXPECT_EQ(trace.Functions(), (std::vector<std::string>{"KxROI::GetTopParent", "KxROI::GetTotalWidth"}));
 }
 
 TEST(RegionTexts, AreKeptApartInTheirTwoForms) {
@@ -56,51 +45,29 @@ TEST(RegionTexts, AreKeptApartInTheirTwoForms) {
     const auto wide = Wide("wide title");
     region.SetTitle("title");
     region.SetTitle(wide.c_str());
-    region.SetAuthor("author");
-    region.SetComment("comment");
-    region.SetDate("date");
     EXPECT_STREQ(region.GetTitle(), "title");
     region.SetTitle(region.GetTitle());
     EXPECT_STREQ(region.GetTitle(), "title") << "setting a text to itself must not free it first";
     region.SetTitle(static_cast<const char*>(nullptr));
     EXPECT_EQ(region.GetTitle(), nullptr);
     EXPECT_EQ(region.GetTitleUnicode(), std::basic_string<unsigned short>(wide));
-    EXPECT_STREQ(region.GetAuthor(), "author");
-    EXPECT_STREQ(region.GetComment(), "comment");
-    EXPECT_STREQ(region.GetDate(), "date");
-    EXPECT_EQ(region.GetDateUnicode(), nullptr);
 }
 
 TEST(RegionChecks, StoreAndReturnTheirCodes) {
     TraceRecorder trace;
     Image tall(10, 20), wide(20, 10), twin(20, 10);
     KxImage<KxBW16> deep(20, 10);
-    KxImage<KxBW32> deeper(20, 10);
     EXPECT_EQ(wide.SameSize(&tall), KX_ERROR_SIZE_MISMATCH);
     EXPECT_TRUE(trace.Boxes().empty()) << "a size mismatch is not traced";
     EXPECT_EQ(wide.SameSize(&twin), 0);
-    EXPECT_EQ(KxGetError(), KX_OK);
     EXPECT_EQ(wide.SameDepth(&deep), KX_ERROR_DEPTH_MISMATCH);
-    EXPECT_EQ(wide.SameDataType(&deep), 0);
     EXPECT_EQ(deep.PermittedDepth(2 | 4), 0);
-    EXPECT_EQ(deeper.PermittedDepth(2 | 4), KX_ERROR_INVALID_DEPTH);
+    EXPECT_EQ(deep.PermittedDepth(2 | 8), KX_ERROR_INVALID_DEPTH);
     EXPECT_EQ(wide.PermittedDataType(2), KX_ERROR_INVALID_DATA_TYPE);
     EXPECT_EQ(trace.Functions(), (std::vector<std::string>{"KxROI::SameDepth", "KxROI::PermittedDepth",
                                                            "KxROI::PermittedDataType"}));
     EXPECT_EQ(wide.SameSizeDepthType(&deep, 2, 1), KX_ERROR_DEPTH_MISMATCH);
     EXPECT_EQ(trace.Functions().back(), "KxROI::SameSizeDepthType");
-    EXPECT_EQ(wide.SameSizeDepthType(&twin, 2, 1), 0);
-}
-
-TEST(RegionTree, FindsChildrenAndAcceptsSoundLinks) {
-    Image image(100, 100);
-    Region a(&image, 0, 0, 50, 50), a1(&a, 0, 0, 10, 10), b(&image, 0, 0, 50, 50);
-    EXPECT_EQ(KxGenericROI::DoesContainChild(&image, &b), 1);
-    EXPECT_EQ(KxGenericROI::DoesContainChild(&image, &a1), 0);
-    EXPECT_EQ(KxGenericROI::DoesContainChild(nullptr, &a), 0);
-    KxGenericROI::CheckParentChildrenConsistency(&image);
-    KxGenericROI::CheckParentChildrenConsistency(&a);
-    KxGenericROI::CheckParentChildrenConsistency(nullptr);
 }
 
 struct BreakableRegion : Region {
@@ -110,7 +77,11 @@ struct BreakableRegion : Region {
 
 TEST(RegionTreeDeathTest, StopsOnABrokenLink) {
     Image image(100, 100), other(10, 10);
+    Region sound(&image, 0, 0, 50, 50), grandchild(&sound, 0, 0, 10, 10);
     BreakableRegion child(&image, 0, 0, 50, 50);
+    EXPECT_EQ(KxGenericROI::DoesContainChild(&image, &child), 1);
+    EXPECT_EQ(KxGenericROI::DoesContainChild(&image, &grandchild), 0);
+    KxGenericROI::CheckParentChildrenConsistency(&image);
     child.SetParentLink(&other);
     EXPECT_DEATH(KxGenericROI::DoesContainChild(&image, &child), "inconsistent parent/daughters");
     EXPECT_DEATH(KxGenericROI::CheckParentChildrenConsistency(&image), "CheckParentChildrenConsistency");
@@ -121,25 +92,22 @@ TEST(RegionDump, WritesFieldsAndChildren) {
     Image image(100, 100);
     Region region(&image, 1, 2, 30, 40), child(&region, 0, 0, 5, 5);
     region.SetTitle("a title");
-    std::ostringstream stream;
+    std::ostringstream stream, address;
     stream << static_cast<KxGenericROI&>(region);
-    const std::string dump = stream.str();
-    std::ostringstream address;
     address << static_cast<void*>(&region);
-    const std::string end =
-        "( KxROI<Pixel>( " + address.str() + ") : m_bMaskOffsets = FALSEm_n32CursorX = 0m_n32CursorY = 0)";
-    EXPECT_EQ(dump.rfind("+--------------------------------+\n| DUMPING KxGenericROI [subclass] |\n"
+    const std::string dump = stream.str();
+    EXPECT_TRUE(
+        dump.starts_with("+--------------------------------+\n| DUMPING KxGenericROI [subclass] |\n"
                          "+--------------------------------+\nDumping KxGenericROI( " +
-                             address.str() + ") : \nm_pszAuthorASCII = NULL\n",
-                         0),
-              0u);
+                         address.str() + ") : \nm_pszAuthorASCII = NULL\n"));
+    EXPECT_TRUE(dump.ends_with("( KxROI<Pixel>( " + address.str() +
+                               ") : m_bMaskOffsets = FALSEm_n32CursorX = 0m_n32CursorY = 0)"));
     for (const char* line :
          {"\nm_pszTitleASCII = a title\n", "\nDumping children : \n  Dumping KxGenericROI( ",
           "\n  Dumping children :  <NO CHILDREN TO DUMP>\n", "\n  ( KxROI<Pixel>( ",
           "m_n32OrgX = 1\nm_n32OrgY = 2\nm_n32Height = 40\nm_n32Width = 30\n"
           "m_eColorSystem = KX_COLOR_SYSTEM_GRAY_LEVEL\n"})
         EXPECT_NE(dump.find(line), std::string::npos) << line;
-    EXPECT_EQ(dump.substr(dump.size() - end.size()), end);
     EXPECT_THROW(image.DumpToStream(stream, 0), int);
 }
 

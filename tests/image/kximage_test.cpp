@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
+#include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
 #include "tests/support/trace_recorder.h"
 
@@ -26,8 +28,6 @@ TYPED_TEST(ImageBuffer, PadsRowsAndAlignsTheFirstPixel) {
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(image.GetGenericImagePtr(0, 0)) % 32, 0u);
     const auto* first = static_cast<const std::uint8_t*>(image.GetGenericImagePtr(0, 0));
     EXPECT_EQ(image.GetGenericImagePtr(13, 3), first + 13 * kBits / 8 + 3 * image.GetRowPitch());
-    EXPECT_EQ(image.GetBitIndex(13, 0), kBits == 1 ? 5u : 0u);
-    EXPECT_EQ(KxImage<TypeParam>(1, 1).GetBitsPerRow(), 192);
     // The block reaches beyond the last row by at least eight bytes: address sanitizer watches.
     std::memset(image.GetGenericImagePtr(0, 0), 1, static_cast<std::size_t>(image.GetImgPitch()) + 8);
 }
@@ -38,78 +38,50 @@ TYPED_TEST(ImageBuffer, IsCopiedDeeplyWhenOwnedAndSharedWhenNot) {
     for (int x = 0; x < 30; ++x) owner.SetPixel(SamplePixel<TypeParam>(static_cast<unsigned>(x)), x, 1);
     copy = owner;
     EXPECT_NE(copy.GetGenericImagePtr(0, 0), owner.GetGenericImagePtr(0, 0));
-    EXPECT_EQ(std::memcmp(copy.GetGenericImagePtr(0, 1), owner.GetGenericImagePtr(0, 1),
-                          static_cast<std::size_t>(30 * owner.GetBitsPerPixel() / 8)),
-              0);
+    EXPECT_EQ(PixelBytes(copy), PixelBytes(owner));
     wrapper.SetImagePtr(30, 1, pixels);
     copy = wrapper;
     EXPECT_EQ(copy.GetGenericImagePtr(0, 0), pixels);
-    EXPECT_EQ(copy.GetBitsPerRow(), wrapper.GetBitsPerRow());
-    EXPECT_EQ(copy.GetBitsPerRow() % 32, 0);
+    EXPECT_EQ(copy.GetBitsPerRow(), (30 * owner.GetBitsPerPixel() + 31) / 32 * 32);
     copy = KxImage<TypeParam>();
     EXPECT_EQ(copy.Void(), 1);
-    EXPECT_EQ(copy.GetWidth(), 0);
 }
 
 TEST(ImageSize, KeepsPixelsOnlyWhenNothingChanges) {
     Image image(20, 10);
     image.SetPixel(99, 3, 3);
-    const void* buffer = image.GetImagePtr();
     image.SetSize(20, 10);
-    EXPECT_EQ(image.GetImagePtr(), buffer);
     EXPECT_EQ(image.GetPixel(3, 3), 99);
     image.SetRectangleMask(0, 0, 5, 5);
-    const Image model(7, 8);
-    image.SetSize(&model);
+    image.SetSize(7, 8);
     EXPECT_EQ(image.GetExtent(), GenericRoiExtent(0, 0, 7, 8));
     EXPECT_EQ(image.GetMaskRuns().GetNumElements(), 0u);
-    image.SetSize(0, 5);
-    EXPECT_EQ(image.Void(), 1);
 }
 
 TEST(ImageSize, RefusesWhatCannotBe) {
     TraceRecorder trace;
     Image image(5, 5);
-    KxImage<KxC24> color;
-    struct Case {
-        KxGenericROI& image;
-        int width, height;
-        KX_ERRORS code;
+    KxImage<KxC24> color(5, 5);
+    const std::tuple<KxGenericROI*, int, int, KX_ERRORS> kSizes[] = {
+        {&image, 65536, 65536, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
+        {&color, 40000, 40000, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
+        {&image, 0x40000001, 1, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
+        {&image, 5, -1, KX_ERROR_PARAMETER_1_OUT_OF_RANGE},
     };
-    const Case cases[] = {{image, 70000, 70000, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
-                          {image, 65536, 65536, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
-                          {color, 40000, 40000, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
-                          {image, 0x40000001, 1, KX_ERROR_ORIGIN_IMAGE_TOO_BIG},
-                          {image, -1, -1, KX_ERROR_PARAMETER_1_OUT_OF_RANGE},
-                          {image, 5, -1, KX_ERROR_PARAMETER_1_OUT_OF_RANGE}};
-    for (const Case& test : cases) {
-        KxOk();
-        const GenericRoiExtent before = test.image.GetExtent();
-        test.image.SetSize(test.width, test.height);
-        EXPECT_EQ(KxGetError(), test.code) << test.width << " x " << test.height;
-        EXPECT_EQ(test.image.GetExtent(), before);
+    for (const auto& [refusing, width, height, code] : kSizes) {
+        refusing->SetSize(width, height);
+        EXPECT_EQ(KxGetError(), code) << width << " x " << height;
+        EXPECT_EQ(refusing->GetExtent(), GenericRoiExtent(0, 0, 5, 5));
     }
-    EXPECT_EQ(trace.Functions().back(), "KxImage::SetSize");
-    KxOk();
-}
-
-TEST(ImageSize, ClipsItsRegions) {
-    Image image(100, 100);
-    Region region(&image, 0, 0, 80, 90);
-    image.SetSize(50, 60);
-    EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 0, 50, 60));
-    std::uint8_t pixels[100] = {};
-    image.SetImagePtr(10, 10, pixels, 80);
-    EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 0, 10, 10));
+    EXPECT_EQ(trace.Functions(), std::vector<std::string>(std::size(kSizes), "KxImage::SetSize"));
 }
 
 TEST(ImageWrapping, TakesTheCallersRows) {
     std::uint8_t pixels[80] = {};
-    KxImage<KxBW1> bits;
-    bits.SetImagePtr(33, 10, pixels);
-    EXPECT_EQ(bits.GetBitsPerRow(), 64);
-    Image image(4, 4);
+    Image image(40, 40);
+    const Region region(&image, 0, 0, 30, 5);
     image.SetImagePtr(10, 6, pixels);
+    EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 0, 10, 5));
     EXPECT_EQ(image.GetBitsPerRow(), 96);
     image.SetPixel(5, 2, 3);
     EXPECT_EQ(pixels[3 * 12 + 2], 5);
@@ -123,40 +95,34 @@ TEST(ImageWrapping, TakesTheCallersRows) {
 
 TEST(ImageCopy, MovesTheMaskAndClonesTheTree) {
     Image image(30, 30);
-    Region region(&image, 3, 4, 5, 6);
-    image.SetTitle("title");
+    const Region region(&image, 3, 4, 5, 6);
     image.SetRectangleMask(2, 1, 10, 3);
-    std::unique_ptr<Image> copy(image.CopyTo());
+    const std::unique_ptr<Image> copy(image.CopyTo());
     ASSERT_EQ(copy->GetMaskRuns().GetNumElements(), 3u);
     EXPECT_EQ(copy->GetMaskRuns()[1].pBeg, copy->GetImagePtr(2, 2));
     EXPECT_EQ(copy->GetMaskRuns()[1].pEnd, copy->GetImagePtr(12, 2));
-    EXPECT_STREQ(copy->GetTitle(), "title");
-    std::unique_ptr<KxGenericROI> clone(copy->GetFirstSubROI());
+    const std::unique_ptr<KxGenericROI> clone(copy->GetFirstSubROI());
     ASSERT_NE(clone, nullptr);
     EXPECT_EQ(clone->GetExtent(), region.GetExtent());
     EXPECT_EQ(clone->GetTopParent(), copy.get());
 
     image.SetMaskOffsets(1);
     image.SetRectangleMask(2, 1, 10, 3);
-    std::unique_ptr<KxROI<KxBW8>> twin(image.CreateROIClone(0));
-    EXPECT_EQ(twin->IsAnROI(), 0);
+    const std::unique_ptr<Region> twin(image.CreateROIClone(0));
     EXPECT_EQ(twin->GetMaskRuns()[0], image.GetMaskRuns()[0]) << "offsets hold wherever the pixels are";
 }
 
-TEST(ImageSwap, ExchangesPixelsOnly) {
+TEST(ImageSwap, ExchangesPixelsOfTheSameSize) {
     TraceRecorder trace;
     KxImage<KxC24> a(4, 4), b(4, 4), c(5, 4);
     a.SetPixel(KxRed24, 1, 1);
     b.SetPixel(KxBlue24, 1, 1);
-    a.SetTitle("a");
     KxSwapImages(&a, &b);
-    EXPECT_EQ(a.GetPixel(1, 1), KxBlue24);
-    EXPECT_EQ(b.GetPixel(1, 1), KxRed24);
-    EXPECT_STREQ(a.GetTitle(), "a");
     KxSwapImages(&a, &c);
     EXPECT_EQ(KxGetError(), KX_ERROR_SIZE_MISMATCH);
     EXPECT_EQ(trace.Functions(), std::vector<std::string>{"KxSwapImages ( C24)"});
-    KxOk();
+    EXPECT_EQ(a.GetPixel(1, 1), KxBlue24);
+    EXPECT_EQ(b.GetPixel(1, 1), KxRed24);
 }
 
 TEST(ImagePixelSize, IsSharedByItsRegionsAndNeverZero) {
@@ -166,26 +132,16 @@ TEST(ImagePixelSize, IsSharedByItsRegionsAndNeverZero) {
     float x = 0, y = 0;
     const KxMeasurementUnit* unit = nullptr;
     region.SetResolution(4, 8, &KxUnit_mm);
-    image.GetPixelDimensions(x, y, unit);
-    EXPECT_EQ(x, 0.25f);
-    EXPECT_EQ(y, 0.125f);
-    EXPECT_STREQ(unit->GetName(), "mm");
-    region.GetResolution(x, y, unit);
-    EXPECT_EQ(x, 4);
-    KxOk();
-    image.SetResolution(0, 2, &KxUnit_mm);
+    image.SetResolution(0, 2, &KxUnit_cm);
     EXPECT_EQ(KxGetError(), KX_ERROR_PIXELS_FINITE_SIZE);
     KxOk();
-    image.SetPixelDimensions(0, 2, &KxUnit_cm);
-    EXPECT_EQ(KxGetError(), KX_OK);
-    image.SetPixelDimensions(0, 0, &KxUnit_mm);
+    image.SetPixelDimensions(0, 0, &KxUnit_cm);
     EXPECT_EQ(KxGetError(), KX_ERROR_PIXELS_FINITE_SIZE);
-    image.GetPixelDimensions(x, y, unit);
-    EXPECT_EQ(y, 2);
-    EXPECT_STREQ(unit->GetName(), "cm");
     EXPECT_EQ(trace.Functions(),
               (std::vector<std::string>{"KxGenericImage::SetResolution", "KxImage::SetPixelDimensions"}));
-    KxOk();
+    image.GetPixelDimensions(x, y, unit);
+    EXPECT_EQ(std::pair(x, y), std::pair(0.25f, 0.125f));
+    EXPECT_STREQ(unit->GetName(), "mm");
 }
 
 }  // namespace

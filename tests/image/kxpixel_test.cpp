@@ -5,9 +5,7 @@
 
 #include <array>
 #include <bit>
-#include <cstddef>
 #include <sstream>
-#include <string>
 #include <tuple>
 #include <type_traits>
 
@@ -16,13 +14,10 @@
 namespace Zelkor::Kalvo {
 namespace {
 
-using FourBytes = std::array<std::uint8_t, 4>;
 using ThreeBytes = std::array<std::uint8_t, 3>;
 
-struct Numbers {
-    int bytes, bits, planes, bitsCode, imageType, colorSystem;
-    friend bool operator==(const Numbers&, const Numbers&) = default;
-};
+// Bytes of a value, bits and planes of a pixel in a row, code of the bits, image type, colour system.
+using Numbers = std::array<int, 6>;
 
 // In the order of PixelTypes.
 constexpr Numbers kNumbers[] = {
@@ -51,10 +46,8 @@ void CheckPixelType() {
                                  Traits::kPlanesPerPixel, Traits::kBitsPerPixelCode,
                                  Traits::kImageType,      Traits::kColorSystem};
     EXPECT_EQ(kActual, kNumbers[kIndex]) << "pixel type " << kIndex;
-    EXPECT_EQ(Traits::kDataType, 1);
     EXPECT_TRUE(std::is_trivially_copyable_v<Pixel> && std::is_trivially_default_constructible_v<Pixel>)
         << "rows are copied as bytes: pixel type " << kIndex;
-    EXPECT_FALSE(std::is_polymorphic_v<Pixel>);
 }
 
 TEST(Pixel, TypesHaveTheirNumbers) {
@@ -65,32 +58,18 @@ TEST(Pixel, TypesHaveTheirNumbers) {
 
 TEST(Pixel, PlainTypesPassForTheirValues) {
     EXPECT_EQ(KxBW8(200) + 100, 300);
-    EXPECT_EQ(KxINT32(-7), -7);
-    EXPECT_EQ(KxFLOAT64(0.5) * 3, 1.5);
     for (const int value : {0, 1, 2, 256, -1}) EXPECT_EQ(KxBW1(value), value == 0 ? 0 : 1) << value;
 }
 
 TEST(Pixel, ColorsAreStoredLastComponentFirst) {
     EXPECT_EQ(std::bit_cast<ThreeBytes>(KxC24(1, 2, 3)), (ThreeBytes{3, 2, 1}));
-    EXPECT_EQ(std::bit_cast<FourBytes>(KxC24A(1, 2, 3, 4)), (FourBytes{3, 2, 1, 4}));
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(KxC24A(1, 2, 3, 4)), 0x04010203u);
     EXPECT_EQ(std::bit_cast<ThreeBytes>(KxYUY2(1, 2, 3)), (ThreeBytes{1, 2, 3}));
+    EXPECT_EQ(std::bit_cast<ThreeBytes>(KxRed24), (ThreeBytes{255, 0, 0}));
+    EXPECT_EQ(std::bit_cast<ThreeBytes>(KxYellow24), (ThreeBytes{255, 255, 0}));
 }
 
-TEST(Pixel, NamedColorsInMemoryOrder) {
-    const std::pair<KxC24, ThreeBytes> kColors[] = {
-        {KxBlack24, {0, 0, 0}},      {KxRed24, {255, 0, 0}},       {KxGreen24, {0, 255, 0}},
-        {KxBlue24, {0, 0, 255}},     {KxCyan24, {0, 255, 255}},    {KxMagenta24, {255, 0, 255}},
-        {KxYellow24, {255, 255, 0}}, {KxWhite24, {255, 255, 255}}, {KxGray24, {128, 128, 128}},
-    };
-    for (const auto& [color, bytes] : kColors) EXPECT_EQ(std::bit_cast<ThreeBytes>(color), bytes);
-}
-
-template <class Value>
-std::string TextOf(const Value& value) {
-    std::ostringstream stream;
-    stream << value << '.';
-    return stream.str();
-}
+std::string TextOf(const auto& value) { return (std::ostringstream() << value << '.').str(); }
 
 TEST(Pixel, ValuesPrintTheirFieldsByName) {
     const auto address = [](std::uintptr_t bits) { return reinterpret_cast<void*>(bits); };
@@ -98,16 +77,8 @@ TEST(Pixel, ValuesPrintTheirFieldsByName) {
               "( KxRun : pBeg =0x1f0 pEnd =0x2a0 n16X =-3 n16Y =400).");
     EXPECT_EQ(TextOf(KxC24('c', 'b', 'a')), "( KxC24 : m_un8C2 =a m_un8C1 =b m_un8C0 =c).");
     EXPECT_EQ(TextOf(KxColor(0.5f, -2.0f, 1e10f)), "( KxColor : X =0.5 Y =-2 Z =1e+10).");
-}
-
-TEST(Pixel, ColorSystemsBearTheirNames) {
-    constexpr const char* kNames[] = {"UNKNOWN", "NONE", "BILEVEL", "GRAY_LEVEL", "XYZ",     "RGB",
-                                      "LAB",     "LUV",  "YUV",     "YIQ",        "LCH",     "ISH",
-                                      "LSH",     "VSH",  "YSH",     "LABELIZED",  "GRADIENT"};
-    int value = -1;
-    for (const char* name : kNames)
-        EXPECT_EQ(ColorSystemName(KX_COLOR_SYSTEM{value++}), std::string("KX_COLOR_SYSTEM_") + name);
-    EXPECT_EQ(KX_COLOR_SYSTEM_GRADIENT, 15);
+    EXPECT_STREQ(ColorSystemName(KX_COLOR_SYSTEM{-1}), "KX_COLOR_SYSTEM_UNKNOWN");
+    EXPECT_STREQ(ColorSystemName(KX_COLOR_SYSTEM{15}), "KX_COLOR_SYSTEM_GRADIENT");
     for (const int other : {16, -2, INT32_MAX, INT32_MIN})
         EXPECT_STREQ(ColorSystemName(KX_COLOR_SYSTEM{other}), "KX_COLOR_SYSTEM : <UNKNOWN>") << other;
 }

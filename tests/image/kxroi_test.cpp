@@ -5,9 +5,10 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <algorithm>
 #include <climits>
+#include <deque>
 #include <memory>
+#include <tuple>
 
 #include "kalvo/frame/kxlibrary.h"
 #include "kalvo/image/kximage.h"
@@ -21,84 +22,43 @@ using Image = KxImage<KxBW8>;
 using Region = KxROI<KxBW8>;
 using Functions = std::vector<std::string>;
 
-struct Placement {
-    const char* name;
-    GenericRoiExtent asked;
-    GenericRoiExtent result;
-    KX_ERRORS code;
-    Functions traces;
-};
-
-class RegionPlacement : public testing::TestWithParam<Placement> {};
-
-TEST_P(RegionPlacement, ClipsToTheParent) {
-    TraceRecorder trace;
-    KxOk();
-    Image image(100, 100);
-    Region region(&image, 1, 1, 50, 50);
-    const GenericRoiExtent& asked = GetParam().asked;
-    region.SetPlacement(asked.m_n32OrgX, asked.m_n32OrgY, asked.m_n32Width, asked.m_n32Height);
-    EXPECT_EQ(region.GetExtent(), GetParam().result);
-    EXPECT_EQ(KxGetError(), GetParam().code);
-    EXPECT_EQ(trace.Functions(), GetParam().traces);
-    KxOk();
+TEST(RegionPlacement, IsClippedToTheParent) {
+    const std::tuple<GenericRoiExtent, GenericRoiExtent, KX_ERRORS, Functions> kPlacements[] = {
+        {{10, 20, 30, 40}, {10, 20, 30, 40}, KX_OK, {}},
+        {{-5, -3, 20, 20}, {0, 0, 15, 17}, KX_OK, {}},
+        {{90, 0, 20, 20}, {90, 0, 10, 20}, KX_OK, {}},
+        {{1, 2, INT_MAX, INT_MAX}, {1, 2, 99, 98}, KX_OK, {}},
+        // Right of the parent, below it, wholly left of it, negative height.
+        {{120, 0, 20, 20}, {0, 0, 100, 100}, KX_ERROR_ROI_OUT_OF_PARENT, {"KxROI::SetWidth"}},
+        {{0, INT_MAX, 20, 20}, {0, 0, 100, 100}, KX_ERROR_ROI_OUT_OF_PARENT, {"KxROI::SetHeight"}},
+        {{INT_MIN, 0, 20, 20}, {0, 0, 50, 20}, KX_ERROR_PARAMETER_1_OUT_OF_RANGE, {"KxROI::SetWidth"}},
+        {{0, 0, 20, -1}, {0, 0, 20, 50}, KX_ERROR_PARAMETER_1_OUT_OF_RANGE, {"KxROI::SetHeight"}},
+    };
+    for (const auto& [asked, result, code, functions] : kPlacements) {
+        const TraceRecorder trace;
+        KxOk();
+        Image image(100, 100);
+        Region region(&image, 1, 1, 50, 50);
+        region.SetPlacement(asked.m_n32OrgX, asked.m_n32OrgY, asked.m_n32Width, asked.m_n32Height);
+        EXPECT_EQ(region.GetExtent(), result) << asked.m_n32OrgX << ", " << asked.m_n32OrgY;
+        EXPECT_EQ(KxGetError(), code);
+        EXPECT_EQ(trace.Functions(), functions);
+    }
+    Region detached;
+    detached.SetPlacement(500, 600, 70000, 3);
+    EXPECT_EQ(detached.GetExtent(), GenericRoiExtent(500, 600, 70000, 3)) << "nothing clips it";
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    KxROI, RegionPlacement,
-    testing::Values(Placement{"inside", {10, 20, 30, 40}, {10, 20, 30, 40}, KX_OK, {}},
-                    Placement{"left and above are cut off", {-5, -3, 20, 20}, {0, 0, 15, 17}, KX_OK, {}},
-                    Placement{"right is clipped", {90, 0, 20, 20}, {90, 0, 10, 20}, KX_OK, {}},
-                    Placement{"largest size", {1, 2, INT_MAX, INT_MAX}, {1, 2, 99, 98}, KX_OK, {}},
-                    Placement{"right of the parent",
-                              {120, 0, 20, 20},
-                              {0, 0, 100, 100},
-                              KX_ERROR_ROI_OUT_OF_PARENT,
-                              {"KxROI::SetWidth"}},
-                    Placement{"below the parent",
-                              {0, INT_MAX, 20, 20},
-                              {0, 0, 100, 100},
-                              KX_ERROR_ROI_OUT_OF_PARENT,
-                              {"KxROI::SetHeight"}},
-                    Placement{"wholly left of the parent",
-                              {INT_MIN, 0, 20, 20},
-                              {0, 0, 50, 20},
-                              KX_ERROR_PARAMETER_1_OUT_OF_RANGE,
-                              {"KxROI::SetWidth"}},
-                    Placement{"negative height",
-                              {0, 0, 20, -1},
-                              {0, 0, 20, 50},
-                              KX_ERROR_PARAMETER_1_OUT_OF_RANGE,
-                              {"KxROI::SetHeight"}}),
-    [](const auto& testInfo) {
-        std::string name = testInfo.param.name;
-        std::replace(name.begin(), name.end(), ' ', '_');
-        return name;
-    });
-
-TEST(RegionSetters, MoveAndSizeOneAxis) {
+TEST(RegionSetters, MoveOneAxis) {
     TraceRecorder trace;
-    KxOk();
     Image image(100, 80);
     Region region(&image, 10, 10, 30, 30);
     region.SetOrgX(-4);
     EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 10, 26, 30));
-    region.SetOrgY(70);
-    EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 70, 26, 10));
-    region.SetWidth(-1);
-    EXPECT_EQ(region.GetWidth(), 26);
-    EXPECT_EQ(KxGetError(), KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
     region.SetOrgX(-27);
     EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 0, 100, 80));
     EXPECT_EQ(KxGetError(), KX_ERROR_ROI_OUT_OF_PARENT);
-    EXPECT_EQ(trace.Functions(), (Functions{"KxROI::SetWidth", "KxROI::SetOrgX"}));
-
-    KxOk();
-    Region detached;
-    detached.SetPlacement(500, 600, 70000, 3);
-    EXPECT_EQ(detached.GetExtent(), GenericRoiExtent(500, 600, 70000, 3))
-        << "nothing clips a detached region";
-    EXPECT_EQ(KxGetError(), KX_OK);
+    EXPECT_EQ(trace.Functions(), Functions{"KxROI::SetOrgX"});
 }
 
 TEST(RegionSetters, AreRefusedOnImages) {
@@ -112,26 +72,26 @@ TEST(RegionSetters, AreRefusedOnImages) {
     image.Detach();
     image.Attach(nullptr);
     EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_APPLY_TO_IMAGE);
-    EXPECT_EQ(image.GetExtent(), GenericRoiExtent(0, 0, 100, 80));
     EXPECT_EQ(trace.Functions(),
               (Functions{"KxROI::SetOrgX", "KxROI::SetOrgY", "KxROI::SetWidth", "KxROI::SetHeight",
                          "KxROI::SetPlacement", "KxROI::Detach", "KxROI::Attach"}));
     KxOk();
+    static_cast<Region&>(image) = Region();
+    EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_APPLY_TO_IMAGE);
+    EXPECT_EQ(image.GetExtent(), GenericRoiExtent(0, 0, 100, 80));
 }
 
 TEST(RegionSetters, ClipChildrenToAShrinkingParent) {
+    TraceRecorder trace;
     Image image(100, 100);
     Region region(&image, 0, 0, 60, 60), child(&region, 10, 0, 30, 30), grandchild(&child, 5, 0, 25, 25);
     region.SetWidth(25);
     EXPECT_EQ(child.GetExtent(), GenericRoiExtent(10, 0, 15, 30));
     EXPECT_EQ(grandchild.GetExtent(), GenericRoiExtent(5, 0, 10, 25));
-    TraceRecorder trace;
     region.SetWidth(8);
-    EXPECT_EQ(child.GetExtent(), GenericRoiExtent(0, 0, 8, 60))
-        << "a child that lost its place covers its parent";
+    EXPECT_EQ(child.GetExtent(), GenericRoiExtent(0, 0, 8, 60)) << "it lost its place and covers its parent";
     EXPECT_EQ(grandchild.GetExtent(), GenericRoiExtent(5, 0, 3, 25));
     EXPECT_EQ(KxGetError(), KX_ERROR_ROI_OUT_OF_PARENT);
-    KxOk();
 }
 
 TEST(RegionAttach, ClipsTakesTheColoursAndAppends) {
@@ -144,32 +104,23 @@ TEST(RegionAttach, ClipsTakesTheColoursAndAppends) {
     EXPECT_EQ(first.GetColorSystem(), KX_COLOR_SYSTEM_LABELIZED);
     EXPECT_EQ(image.GetFirstSubROI(), &first);
     first.Detach();
+    EXPECT_EQ(first.GetParent(), nullptr);
     EXPECT_EQ(image.GetFirstSubROI(), &second);
     EXPECT_EQ(second.GetNextSiblingROI(), &third);
-    EXPECT_EQ(first.GetParent(), nullptr);
-    EXPECT_EQ(first.GetNextSiblingROI(), nullptr);
 }
 
 TEST(RegionAttach, RefusesASecondParentAndCircles) {
     TraceRecorder trace;
-    KxOk();
     Image image(100, 80);
     Region root, child(&root, 0, 0, 0, 0);
     child.Attach(&image);
     EXPECT_EQ(KxGetError(), KX_ERROR_ROI_HAS_PARENT);
-    root.Attach(&child);
-    EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_MODIFY_ROI);
-    root.Attach(&root);
-    EXPECT_EQ(root.GetParent(), nullptr);
-    EXPECT_EQ(trace.Functions(), (Functions{"KxROI::Attach", "KxROI::Attach", "KxROI::Attach"}));
-
-    KxOk();
-    Region lost;
-    lost.SetPlacement(200, 0, 10, 10);
-    lost.Attach(&image);
-    EXPECT_EQ(lost.GetExtent(), GenericRoiExtent(0, 0, 100, 80));
-    EXPECT_EQ(KxGetError(), KX_ERROR_ROI_OUT_OF_PARENT);
-    KxOk();
+    for (Region* descendant : {&child, &root}) {
+        root.Attach(descendant);
+        EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_MODIFY_ROI);
+        EXPECT_EQ(root.GetParent(), nullptr);
+    }
+    EXPECT_EQ(trace.Functions(), Functions(3, "KxROI::Attach"));
 }
 
 TEST(RegionLifetime, LeavesAndReleasesItsTree) {
@@ -180,75 +131,48 @@ TEST(RegionLifetime, LeavesAndReleasesItsTree) {
     };
     int alive = 0;
     Region kept;
+    const auto adopt = [&](Region& parent) {
+        auto* owned = new Counted(alive);
+        owned->SetAllocated();
+        owned->Attach(&parent);
+    };
     {
         Image image(10, 10);
         { Region gone(&image, 0, 0, 5, 5); }
         EXPECT_EQ(image.GetFirstSubROI(), nullptr);
         kept.Attach(&image);
-        Region* parent = &kept;
-        for (int level = 0; level < 3; ++level) {
-            auto* owned = new Counted(alive);
-            owned->SetAllocated();
-            owned->Attach(parent);
-            parent = owned;
-        }
+        adopt(image);
+        adopt(kept);
+        EXPECT_EQ(alive, 2);
     }
     EXPECT_EQ(kept.GetParent(), nullptr);
-    EXPECT_EQ(alive, 3) << "what was not handed over to the tree stays";
-    {
-        Image image(10, 10);
-        static_cast<Region*>(kept.GetFirstSubROI())->Detach();
-        kept.Attach(&image);
-        auto* owned = new Counted(alive);
-        owned->SetAllocated();
-        owned->Attach(&image);
-        EXPECT_EQ(alive, 4);
-    }
-    EXPECT_EQ(alive, 3);
+    EXPECT_EQ(alive, 1) << "what was not handed over to the tree stays";
 }
 
 TEST(RegionPixels, AreThoseOfTheImage) {
     Image image(100, 80);
     Region region(&image, 10, 20, 10, 30), inner(&region, 1, 2, 5, 5);
-    image.SetPixel(77, 13, 22);
-    EXPECT_EQ(region.GetPixel(3, 2), 77);
-    EXPECT_EQ(inner.GetPixel(2, 0), 77);
-    inner.SetPixel(200, 4, 4);
-    const int value = image.GetPixel(15, 26);
-    EXPECT_EQ(value, 200);
+    inner.SetPixel(200, 4, 3);
+    EXPECT_EQ(image.GetPixel(15, 25), KxBW8(200));
     EXPECT_EQ(inner.GetImagePtr(1, 1), image.GetImagePtr(12, 23));
-    EXPECT_EQ(static_cast<const Region&>(inner).GetGenericImagePtr(1, 1), image.GetGenericImagePtr(12, 23));
     EXPECT_EQ(region.GetRowPitch(), 120);
     EXPECT_EQ(region.GetSkip(), 110);
-    EXPECT_EQ(region.GetImgPitch(), 120 * 30);
-    EXPECT_EQ(region.GetColPitch(), 1);
-    EXPECT_EQ(region.Void(), 0);
     EXPECT_TRUE(IsPointerInROI(region.GetImagePtr(0, 29), &region));
     EXPECT_FALSE(IsPointerInROI(region.GetImagePtr(9, 3) + 1, &region));
-    EXPECT_FALSE(IsPointerInROI(nullptr, &region));
 }
 
 TEST(RegionPixels, ReportWhatADetachedRegionLacks) {
     TraceRecorder trace;
-    KxOk();
     Region region;
     region.SetSize(10, 10);
     EXPECT_EQ(region.GetImagePtr(), nullptr);
     region.NotVoid();
     EXPECT_EQ(KxGetError(), KX_ERROR_IMAGE_MEMORY_ACCESS);
-    EXPECT_TRUE(trace.Boxes().empty());
     EXPECT_EQ(region.GetSkip(), 0);
-    EXPECT_EQ(region.GetRowPitch(), 0);
-    float x = 5, y = 6;
-    const KxMeasurementUnit* unit = nullptr;
-    region.GetResolution(x, y, unit);
     region.SetPixelDimensions(1, 1, &KxUnit_mm);
-    EXPECT_EQ(x, 5);
     EXPECT_EQ(KxGetError(), KX_ERROR_ROI_HAS_NO_PARENT);
     EXPECT_EQ(trace.Functions(), (Functions{"KxROI::GetTopParent", "KxROI::GetSkip", "KxROI::GetTopParent",
-                                            "KxROI::GetTopParent", "KxROI::GetResolution",
-                                            "KxROI::GetTopParent", "KxROI::SetPixelDimensions"}));
-    KxOk();
+                                            "KxROI::SetPixelDimensions"}));
 }
 
 template <class Pixel>
@@ -258,23 +182,19 @@ TYPED_TEST_SUITE(PixelAccess, AllPixels);
 TYPED_TEST(PixelAccess, StoresAndReadsWithoutTouchingNeighbours) {
     KxImage<TypeParam> image(24, 5);
     std::memset(image.GetGenericImagePtr(0, 0), 0xA5, static_cast<std::size_t>(image.GetImgPitch()));
-    KxImage<TypeParam> before;
-    image.CopyTo(&before);
+    const KxImage<TypeParam> before = image;
     KxROI<TypeParam> region(&image, 4, 1, 16, 3);
-    for (unsigned seed : {0x11u, 0x40u}) {
+    for (const unsigned seed : {0x11u, 0x40u}) {
         const TypeParam value = SamplePixel<TypeParam>(seed);
         region.SetPixel(value, 6, 2);
         EXPECT_TRUE(SameBytes(region.GetPixel(6, 2), value));
         EXPECT_TRUE(SameBytes(image.GetPixel(10, 3), value));
     }
-    EXPECT_EQ(image.GetType(), PixelTraits<TypeParam>::kImageType);
-    EXPECT_EQ(region.GetBitsPerPixelCode(), PixelTraits<TypeParam>::kBitsPerPixelCode);
-    EXPECT_EQ(region.GetColorSystem(), PixelTraits<TypeParam>::kColorSystem);
     // Two pixels of YUY2 share their chroma.
-    const int last = std::is_same_v<TypeParam, KxYUY2> ? 11 : 10;
+    const int shared = std::is_same_v<TypeParam, KxYUY2> ? 1 : 0;
     for (int y = 0; y < 5; ++y)
         for (int x = 0; x < 24; ++x)
-            if (y != 3 || x < (last == 11 ? 9 : 10) || x > last) {
+            if (y != 3 || std::abs(x - 10) > shared) {
                 EXPECT_TRUE(SameBytes(image.GetPixel(x, y), before.GetPixel(x, y))) << x << ", " << y;
             }
 }
@@ -286,12 +206,9 @@ TEST(BilevelPixels, AreBitsFromTheLeftAtAnyOffset) {
     KxROI<KxBW1> region(&image, 3, 0, 20, 2);
     region.SetPixel(2, 10, 0);
     EXPECT_EQ(row[1], 0x04);
-    EXPECT_EQ(region.GetPixel(10, 0), 1);
-    EXPECT_EQ(region.GetBitIndex(10, 0), 5u);
     std::memset(row, 0xFF, 48);
     region.SetPixel(0, 10, 0);
     EXPECT_EQ(row[1], 0xFB);
-    EXPECT_EQ(region.GetColPitch(), 0);
     EXPECT_EQ(region.GetSkip(), (192 - 20) / 8);
 }
 
@@ -313,10 +230,7 @@ TEST(Yuy2Pixels, ShareTheirChromaInPairs) {
 
     EXPECT_EQ(region.GetImagePtr(0, 0), nullptr);
     EXPECT_EQ(KxGetError(), KX_ERROR_UNSUPPORTED_IMAGE_TYPE);
-    EXPECT_EQ(region.Void(), 1);
-    EXPECT_NE(region.GetGenericImagePtr(0, 0), nullptr);
     EXPECT_EQ(trace.Functions().front(), "KxROI::GetImagePtr ( YUY2)");
-    KxOk();
 }
 
 TEST(RegionCopy, TakesThePlaceOfItsSource) {
@@ -331,52 +245,31 @@ TEST(RegionCopy, TakesThePlaceOfItsSource) {
     EXPECT_STREQ(destination.GetTitle(), "source");
     EXPECT_EQ(destination.GetMaskRuns().GetNumElements(), 5u);
     EXPECT_EQ(second.GetFirstSubROI(), nullptr);
-    KxGenericROI::CheckParentChildrenConsistency(&first);
 }
 
 TEST(RegionCopy, ClonesChildrenAsTheSettingSays) {
     Image image(100, 100);
     Region source(&image, 10, 10, 40, 40), child(&source, 1, 2, 20, 20), grandchild(&child, 3, 4, 5, 5);
     KxSetRecursiveCopyBehavior(0);
-    Region flat(source);
-    EXPECT_EQ(flat.GetFirstSubROI(), nullptr);
+    EXPECT_EQ(Region(source).GetFirstSubROI(), nullptr);
     KxSetRecursiveCopyBehavior(1);
     Region deep(source);
-    std::unique_ptr<KxGenericROI> clone(deep.GetFirstSubROI());
-    ASSERT_NE(clone, nullptr);
-    EXPECT_NE(clone.get(), &child);
+    const std::unique_ptr<KxGenericROI> clone(deep.GetFirstSubROI());
+    ASSERT_TRUE(clone && clone.get() != &child);
     EXPECT_EQ(clone->GetExtent(), child.GetExtent());
-    std::unique_ptr<KxGenericROI> grandclone(clone->GetFirstSubROI());
+    const std::unique_ptr<KxGenericROI> grandclone(clone->GetFirstSubROI());
     ASSERT_NE(grandclone, nullptr);
     EXPECT_EQ(grandclone->GetExtent(), grandchild.GetExtent());
     EXPECT_EQ(source.GetFirstSubROI(), &child);
-    EXPECT_EQ(child.GetNextSiblingROI(), nullptr);
-
-    std::unique_ptr<Region> made(source.CopyTo(nullptr, 0));
-    EXPECT_EQ(made->GetParent(), &image);
-    EXPECT_EQ(source.CopyTo(&source, 1), &source);
-}
-
-TEST(RegionCopy, NeverPutsARegionIntoAnImage) {
-    TraceRecorder trace;
-    Image image(100, 100), other(10, 10);
-    Region region(&image, 0, 0, 80, 80);
-    static_cast<Region&>(other) = region;
-    EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_APPLY_TO_IMAGE);
-    EXPECT_EQ(other.GetExtent(), GenericRoiExtent(0, 0, 10, 10));
-    KxOk();
 }
 
 // Trees may be deep while stacks are small.
 TEST(RegionTree, IsLaidOutAndReleasedOnASmallStack) {
     const auto work = [](void*) -> void* {
         Image image(100, 100);
-        std::vector<std::unique_ptr<Region>> regions;
+        std::deque<Region> regions;
         Region* parent = &image;
-        for (int level = 0; level < 1000; ++level) {
-            regions.push_back(std::make_unique<Region>(parent, 0, 0, 100, 100));
-            parent = regions.back().get();
-        }
+        for (int level = 0; level < 1000; ++level) parent = &regions.emplace_back(parent, 0, 0, 100, 100);
         image.SetSize(50, 60);
         return parent->GetExtent() == GenericRoiExtent(0, 0, 50, 60) ? parent : nullptr;
     };

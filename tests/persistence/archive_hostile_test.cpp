@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <climits>
 #include <ostream>
 
@@ -45,27 +44,14 @@ KX_ERRORS Load(KxGenericROI& object, WatchedReader& reader) {
     return KxGetError();
 }
 
-// An image of 3 x 2 pixels from after its children.
-ArchiveBuilder RestOfImage(ArchiveBuilder archive) {
-    return archive.Place(0, 0, 3, 2).Pixels(8, 192, Bytes(48, 7)).PixelSizes();
+// An image of 3 x 2 pixels with one child.
+Bytes ImageWith(const Bytes& child) {
+    return Join({Begin(34, 1), child, Place(0, 0, 3, 2), Pixels(8, 192, Bytes(48, 7))});
 }
 
-ArchiveBuilder GoodImage() { return RestOfImage(ArchiveBuilder().Begin(34, 1).Region(47, 1, 1, 1, 1)); }
-
-ArchiveBuilder Nested(int levels) {
-    ArchiveBuilder archive;
-    for (int i = 0; i <= levels; ++i) archive.Begin(i ? 47 : 34, i < levels);
-    for (int i = 0; i <= levels; ++i) archive.Place(0, 0, 1, 1);
-    return archive.Pixels(8, 8, {1}).PixelSizes();
-}
-
-ArchiveBuilder SizedImage(std::int64_t width, std::int64_t height, std::int64_t bitsPerPixel,
-                          std::int64_t bitsPerRow) {
-    return ArchiveBuilder()
-        .Begin(34, 0)
-        .Place(0, 0, width, height)
-        .Pixels(bitsPerPixel, bitsPerRow, Bytes(48))
-        .PixelSizes();
+Bytes SizedImage(std::int64_t width, std::int64_t height, std::int64_t bitsPerPixel,
+                 std::int64_t bitsPerRow) {
+    return Join({Begin(34, 0), Place(0, 0, width, height), Pixels(bitsPerPixel, bitsPerRow, Bytes(48))});
 }
 
 struct HostileArchive {
@@ -79,70 +65,50 @@ std::ostream& operator<<(std::ostream& stream, const HostileArchive& archive) {
     return stream << archive.what;
 }
 
+constexpr bool kUntouched = true;
+const Bytes kMuch(999);
 const HostileArchive kHostileArchives[] = {
-    {"nothing", {}, KX_ERROR_FILE_READ, true},
-    {"cut in the header", {0x4B, 34, 4}, KX_ERROR_FILE_READ, true},
-    {"wrong signature", {0x4C, 34, 4, 0x4C ^ 34 ^ 4}, KX_ERROR_BAD_FILE_FORMAT, true},
-    {"wrong checksum", {0x4B, 34, 4, 0}, KX_ERROR_BAD_FILE_FORMAT, true},
-    {"a region instead", ArchiveBuilder().Region(47, 0, 0, 1, 1), KX_ERROR_WRONG_OBJECT_TYPE, true},
-    {"a later version", ArchiveBuilder().Begin(34, 0, 5), KX_ERROR_UNSUPPORTED_FILE_VERSION, true},
+    {"wrong signature", {0x4C, 34, 4, 0x4C ^ 34 ^ 4}, KX_ERROR_BAD_FILE_FORMAT, kUntouched},
+    {"wrong checksum", {0x4B, 34, 4, 0}, KX_ERROR_BAD_FILE_FORMAT, kUntouched},
+    {"a region instead", Leaf(47, 0, 0, 1, 1), KX_ERROR_WRONG_OBJECT_TYPE, kUntouched},
+    {"later version", Begin(34, 0, 5), KX_ERROR_UNSUPPORTED_FILE_VERSION, kUntouched},
 
-    {"cut before the texts", ArchiveBuilder().Header(34), KX_ERROR_FILE_READ},
-    {"a text of negative length", ArchiveBuilder().Header(34).Numbers({-1}).Raw(Bytes(99)),
-     KX_ERROR_BAD_FILE_FORMAT},
-    {"a text longer than the stream", ArchiveBuilder().Header(34).Numbers({INT_MAX}).Raw(Bytes(99)),
-     KX_ERROR_FILE_READ},
-    {"a wide text longer than the stream", ArchiveBuilder().Header(34).Numbers({0, 50}).Raw(Bytes(99)),
-     KX_ERROR_FILE_READ},
+    {"text of negative length", Join({Header(34), Numbers({-1}), kMuch}), KX_ERROR_BAD_FILE_FORMAT},
+    {"text beyond the end", Join({Header(34), Numbers({INT_MAX}), kMuch}), KX_ERROR_FILE_READ},
+    {"wide text beyond the end", Join({Header(34), Numbers({0, 500}), kMuch}), KX_ERROR_FILE_READ},
 
-    {"a negative number of children", ArchiveBuilder().Begin(34, INT_MIN).Raw(Bytes(999)),
-     KX_ERROR_BAD_FILE_FORMAT},
-    {"more children than fit", ArchiveBuilder().Begin(34, INT_MAX).Raw(Bytes(999)), KX_ERROR_FILE_READ},
-    {"one child more than fits", ArchiveBuilder().Begin(34, 2).Raw(Bytes(143)), KX_ERROR_FILE_READ},
-    {"no child where one should be", ArchiveBuilder().Begin(34, 1).Raw(Bytes(999)),
-     KX_ERROR_WRONG_OBJECT_TYPE},
-    {"a child of type 32", ArchiveBuilder().Begin(34, 1).Region(32, 0, 0, 1, 1), KX_ERROR_WRONG_OBJECT_TYPE},
-    {"a child of type 59", ArchiveBuilder().Begin(34, 1).Region(59, 0, 0, 1, 1), KX_ERROR_WRONG_OBJECT_TYPE},
-    {"a child of a later version", ArchiveBuilder().Begin(34, 1).Begin(47, 0, 5).Raw(Bytes(999)),
+    {"negative number of children", Join({Begin(34, INT_MIN), kMuch}), KX_ERROR_BAD_FILE_FORMAT},
+    {"more children than fit", Join({Begin(34, INT_MAX), kMuch}), KX_ERROR_FILE_READ},
+    {"one child more than fits", Join({Begin(34, 2), Bytes(143)}), KX_ERROR_FILE_READ},
+    {"no child at all", Join({Begin(34, 1), kMuch}), KX_ERROR_WRONG_OBJECT_TYPE},
+    {"child of type 32", ImageWith(Leaf(32, 0, 0, 1, 1)), KX_ERROR_WRONG_OBJECT_TYPE},
+    {"child of type 59", ImageWith(Leaf(59, 0, 0, 1, 1)), KX_ERROR_WRONG_OBJECT_TYPE},
+    {"child of a later version", ImageWith(Begin(47, 0, 5)), KX_ERROR_UNSUPPORTED_FILE_VERSION},
+    {"child with a broken text", ImageWith(Join({Header(47), Numbers({-1})})), KX_ERROR_BAD_FILE_FORMAT},
+    {"child beyond the end", ImageWith(Join({Header(47), Numbers({500})})), KX_ERROR_FILE_READ},
+    {"child before its parent", ImageWith(Leaf(47, -1, 0, 1, 1)), KX_ERROR_BAD_FILE_FORMAT},
+    {"child of negative height", ImageWith(Leaf(47, 0, 0, 1, -1)), KX_ERROR_BAD_FILE_FORMAT},
+    {"broken child image", ImageWith(SizedImage(9, 9, 1, 192)), KX_ERROR_BAD_FILE_FORMAT},
+    {"grandchild of no type", ImageWith(Join({Begin(47, 1), Begin(99, 0)})), KX_ERROR_WRONG_OBJECT_TYPE},
+    // The header of a broken grandchild then makes a child of negative origin, ...
+    {"grandchild of a later version", ImageWith(Join({Begin(47, 1), Begin(47, 0, 0x85)})),
      KX_ERROR_UNSUPPORTED_FILE_VERSION},
-    {"a child with a broken text", ArchiveBuilder().Begin(34, 1).Header(47).Numbers({-1}).Raw(Bytes(999)),
+    // ... and the texts of a broken child could be all the other fields of an empty image.
+    {"broken child that suits its parent",
+     ImageWith(Join({Header(47), Numbers({0, 0, 0, 0, 0, 0, 0, 8, 0, 0, 0, 0, -1}), Bytes(99)})),
      KX_ERROR_BAD_FILE_FORMAT},
-    {"a child cut short", ArchiveBuilder().Begin(34, 1).Header(47).Numbers({500}).Raw(Bytes(99)),
-     KX_ERROR_FILE_READ},
-    {"a child before its parent", RestOfImage(ArchiveBuilder().Begin(34, 1).Region(47, -1, 0, 1, 1)),
-     KX_ERROR_BAD_FILE_FORMAT},
-    {"a child of negative height", RestOfImage(ArchiveBuilder().Begin(34, 1).Region(47, 0, 0, 1, -1)),
-     KX_ERROR_BAD_FILE_FORMAT},
-    {"a child image that is broken",
-     ArchiveBuilder().Begin(34, 1).Begin(34, 0).Place(0, 0, 9, 9).Pixels(1, 8, Bytes(999)),
-     KX_ERROR_BAD_FILE_FORMAT},
-    {"a grandchild of a later version, whose header then makes a child of negative origin",
-     RestOfImage(ArchiveBuilder().Begin(34, 1).Begin(47, 1).Begin(47, 0, 0x85)),
-     KX_ERROR_UNSUPPORTED_FILE_VERSION},
-    {"a broken child whose texts are the fields of an empty image",
-     ArchiveBuilder()
-         .Begin(34, 1)
-         .Header(47)
-         .Numbers({0, 0, 0, 0, 0, 0, 0, 8, 0, 0, 0, 0, -1})
-         .Raw(Bytes(99)),
-     KX_ERROR_BAD_FILE_FORMAT},
-    {"a grandchild of no type", ArchiveBuilder().Begin(34, 1).Begin(47, 1).Begin(99, 0).Raw(Bytes(999)),
-     KX_ERROR_WRONG_OBJECT_TYPE},
-    {"too many levels", Nested(1001), KX_ERROR_BAD_FILE_FORMAT},
 
-    {"a negative width", SizedImage(-3, 2, 8, 192), KX_ERROR_BAD_FILE_FORMAT},
-    {"a negative height", SizedImage(3, -2, 8, 192), KX_ERROR_BAD_FILE_FORMAT},
-    {"a row of 256 MiB", SizedImage(INT_MAX / 8, 1, 8, INT_MAX - 7), KX_ERROR_BAD_FILE_FORMAT},
+    {"negative width", SizedImage(-3, 2, 8, 192), KX_ERROR_BAD_FILE_FORMAT},
+    {"negative height", SizedImage(3, -2, 8, 192), KX_ERROR_BAD_FILE_FORMAT},
+    {"row of 256 MiB", SizedImage(INT_MAX / 8, 1, 8, INT_MAX - 7), KX_ERROR_BAD_FILE_FORMAT},
     {"4 GiB of pixels", SizedImage(65536, 65536, 8, 524288), KX_ERROR_BAD_FILE_FORMAT},
     {"bits of another pixel type", SizedImage(3, 2, 24, 192), KX_ERROR_BAD_FILE_FORMAT},
-    {"a negative pitch", SizedImage(3, 2, 8, -192), KX_ERROR_BAD_FILE_FORMAT},
-    {"a pitch shorter than a row", SizedImage(3, 2, 8, 16), KX_ERROR_BAD_FILE_FORMAT},
+    {"negative pitch", SizedImage(0, 2, 8, -1), KX_ERROR_BAD_FILE_FORMAT},
+    {"pitch shorter than a row", SizedImage(3, 2, 8, 16), KX_ERROR_BAD_FILE_FORMAT},
     {"pixels beyond the end", SizedImage(60000, 60000, 8, 480000), KX_ERROR_FILE_READ},
     {"padding beyond the end", SizedImage(0, INT_MAX, 8, 8), KX_ERROR_FILE_READ},
-    {"pixel sizes cut short", ArchiveBuilder().Begin(34, 0).Place(0, 0, 0, 0).Pixels(8, 0, Bytes(55)),
-     KX_ERROR_FILE_READ},
-    {"an early unit number",
-     ArchiveBuilder().Begin(34, 0).Place(0, 0, 0, 0).Pixels(8, 0, {}).Value(1, 7, 1, "").Raw(Bytes(99)),
+    {"unit number where none may be",
+     Join({Begin(34, 0), Place(0, 0, 0, 0), Numbers({8, 0}), Dimension(1, Numbers({7}), 1, ""), kMuch}),
      KX_ERROR_INTERNAL},
 };
 
@@ -159,23 +125,22 @@ TEST_P(HostileArchiveTest, EndsWithItsCodeAndASoundObject) {
     WatchedReader reader(bytes);
     EXPECT_EQ(Load(image, reader), code);
     EXPECT_EQ(BytesLeft(reader), bytes.size()) << "the stream is back at the header";
-    EXPECT_EQ(image.GetWidth(), untouched ? 4 : 0);
-    EXPECT_EQ(image.GetHeight(), untouched ? 4 : 0);
+    EXPECT_EQ(image.GetExtent(), untouched ? GenericRoiExtent(0, 0, 4, 4) : GenericRoiExtent());
     EXPECT_EQ(image.Void(), !untouched);
     EXPECT_EQ(image.GetTitle() != nullptr, untouched);
     EXPECT_EQ(image.GetFirstSubROI(), untouched ? &attached : nullptr);
 
-    WatchedReader good(GoodImage());
+    WatchedReader good(ImageWith(Leaf(47, 1, 1, 1, 1)));
     EXPECT_EQ(Load(image, good), KX_OK);
     EXPECT_EQ(PixelBytes(*image.GetFirstSubROI()), Bytes{7});
 }
 
 TEST(BrokenArchive, IsRefusedWhereverItIsCut) {
     const TraceRecorder traces;
-    const Bytes whole = GoodImage();
+    const Bytes whole = ImageWith(Leaf(47, 1, 1, 1, 1));
     for (std::size_t size = 0; size < whole.size(); ++size) {
         Image image(4, 4);
-        WatchedReader reader(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+        WatchedReader reader(Bytes(whole.data(), whole.data() + size));
         EXPECT_EQ(Load(image, reader), KX_ERROR_FILE_READ) << size;
         EXPECT_EQ(BytesLeft(reader), size);
         EXPECT_EQ(image.GetWidth(), size < 4 ? 4 : 0);
@@ -186,20 +151,14 @@ TEST(BrokenArchive, IsRefusedWhereverItIsCut) {
 // A region has so few fields that it can go on after a broken child.
 TEST(BrokenArchive, OfAChildEndsTheListOfItsParent) {
     const TraceRecorder traces;
-    const Bytes bytes = ArchiveBuilder()
-                            .Begin(47, 3)
-                            .Region(47, 1, 1, 1, 1)
-                            .Begin(47, 0, 5)
-                            .Place(0, 0, 1, 1)
-                            .Region(47, 2, 2, 2, 2)
-                            .Place(0, 0, 4, 4);
     Region region;
-    WatchedReader reader(bytes);
+    WatchedReader reader(Join({Begin(47, 3), Leaf(47, 1, 1, 1, 1), Begin(47, 0, 5), Place(0, 0, 1, 1),
+                               Leaf(47, 2, 2, 2, 2), Place(0, 0, 4, 4)}));
     EXPECT_EQ(Load(region, reader), KX_ERROR_UNSUPPORTED_FILE_VERSION);
     ASSERT_TRUE(region.GetFirstSubROI());
     EXPECT_EQ(region.GetFirstSubROI()->GetExtent(), GenericRoiExtent(1, 1, 1, 1));
     EXPECT_EQ(region.GetFirstSubROI()->GetNextSiblingROI(), nullptr);
-    EXPECT_EQ(region.GetOrgX(), 0x4B | 47 << 8 | 5 << 16 | (0x4B ^ 47 ^ 5) << 24) << "the child's header";
+    EXPECT_EQ(region.GetOrgX(), LoadLittleEndian<std::int32_t>(Header(47, 5).data()));
     Image image(9, 9);
     region.Attach(&image);
     EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 0, 9, 9));
@@ -209,33 +168,31 @@ TEST(BrokenArchive, OfAChildEndsTheListOfItsParent) {
 TEST(BrokenArchive, IsNotReadOverAndOver) {
     const TraceRecorder traces;
     constexpr int kChildren = 1000;
-    ArchiveBuilder archive;
-    archive.Begin(47, kChildren);
+    Bytes archive = Begin(47, kChildren);
     for (int i = 0; i < kChildren; ++i)
-        archive.Begin(47, 1).Header(49).Numbers({72 * kChildren, 1, 1, 0, 0, 0, 0});
-    archive.Raw(Bytes(2 * 72 * kChildren, 0xFF));
+        archive = Join({archive, Begin(47, 1), Header(49), Numbers({72 * kChildren, 1, 1, 0, 0, 0, 0})});
     Region region;
-    WatchedReader reader(archive);
+    WatchedReader reader(Join({archive, Bytes(2 * 72 * kChildren, 0xFF)}));
     EXPECT_EQ(Load(region, reader), KX_ERROR_BAD_FILE_FORMAT);
     EXPECT_EQ(region.GetFirstSubROI(), nullptr);
 }
 
 TEST(LargeArchive, TakesTimeInProportion) {
-    constexpr int kChildren = 200000;
-    constexpr int kLevels = 999;
-    ArchiveBuilder flat, deep;
-    flat.Begin(34, kChildren);
-    deep.Begin(34, 1);
-    for (int i = 1; i <= kLevels; ++i) deep.Begin(47, i < kLevels ? 1 : kChildren);
-    for (ArchiveBuilder* archive : {&flat, &deep})
-        for (int i = 0; i < kChildren; ++i) archive->Region(47, 1, 0, 2, 2);
-    for (int i = 0; i < kLevels; ++i) deep.Place(100, 100, 1, 1);  // each beyond its parent
-    for (ArchiveBuilder* archive : {&flat, &deep}) {
-        archive->Place(0, 0, 5, 5).Pixels(8, 40, Bytes(25)).PixelSizes();
+    constexpr int kChildren = 200000, kLevels = 999;
+    Bytes leaves, begins, places;
+    for (int i = 0; i < kChildren; ++i)
+        for (const std::uint8_t byte : Leaf(47, 1, 0, 2, 2)) leaves.push_back(byte);
+    for (int i = 1; i <= kLevels; ++i) {
+        begins = Join({begins, Begin(47, i < kLevels ? 1 : kChildren)});
+        places = Join({places, Place(100, 100, 1, 1)});  // beyond the parent
+    }
+    const Bytes end = Join({Place(0, 0, 5, 5), Pixels(8, 40, Bytes(25))});
+    for (const bool deep : {false, true}) {
         Image image;
-        WatchedReader reader(*archive);
-        EXPECT_EQ(Load(image, reader), archive == &flat ? KX_OK : KX_ERROR_ROI_OUT_OF_PARENT);
-        KxGenericROI* leaf = &image;
+        WatchedReader reader(deep ? Join({Begin(34, 1), begins, leaves, places, end})
+                                  : Join({Begin(34, kChildren), leaves, end}));
+        EXPECT_EQ(Load(image, reader), deep ? KX_ERROR_ROI_OUT_OF_PARENT : KX_OK);
+        const KxGenericROI* leaf = &image;
         while (leaf->GetFirstSubROI()) leaf = leaf->GetFirstSubROI();
         int children = 0;
         for (; leaf; leaf = leaf->GetNextSiblingROI()) ++children;

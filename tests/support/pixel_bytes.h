@@ -1,7 +1,8 @@
 #pragma once
-// The pixels of any region as plain bytes, row after row without padding, to compare and to fill.
+// The pixels of any region as plain bytes, row after row without padding: to fill it and to compare.
 
 #include <cstddef>
+#include <random>
 
 #include "kalvo/image/regionrows.h"
 #include "kalvo/platform/kernels/kernels.h"
@@ -32,6 +33,19 @@ inline void SetPixelBytes(KxGenericROI& region, const Bytes& bytes) {
                       bits = std::size_t{1} * region.GetWidth() * region.GetBitsPerPixel();
     for (int y = 0; y < rows.height; ++y)
         ActiveKernels().copyBits(bytes.data() + rowBytes * y, 0, rows.Row(y), rows.firstBit, bits);
+}
+
+/// Fills a region with noise; another seed gives other noise.
+inline void FillPattern(KxGenericROI& region, unsigned seed) {
+    std::minstd_rand random(seed);
+    Bytes bytes(RowBytes(region) * region.GetHeight());
+    for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random() >> 8);
+    SetPixelBytes(region, bytes);
+}
+
+/// Same size and same pixels.
+inline bool SamePixels(const KxGenericROI& a, const KxGenericROI& b) {
+    return a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight() && PixelBytes(a) == PixelBytes(b);
 }
 
 }  // namespace Zelkor::Kalvo::Testing

@@ -19,6 +19,9 @@ struct AsTypes<std::tuple<Pixel...>> {
 /// All fifteen.
 using AllPixels = AsTypes<PixelTypes>::Types;
 
+/// Those that image files hold, in the order of their numbers.
+using FilePixels = testing::Types<KxBW1, KxBW8, KxBW16, KxBW32, KxC15, KxC16, KxC24, KxC24A>;
+
 /// A pixel whose bytes are `seed`, `seed` + 1, ...
 template <class Pixel>
 Pixel SamplePixel(unsigned seed) {
