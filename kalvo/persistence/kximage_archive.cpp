@@ -6,7 +6,6 @@
 #include <limits>
 #include <utility>
 
-#include "kalvo/frame/boundary.h"
 #include "kalvo/frame/checkedsize.h"
 #include "kalvo/image/regionrows.h"
 #include "kalvo/image/regiontree.h"
@@ -168,13 +167,7 @@ void KxImage<Pixel>::PartialSerialize(KxSerializer* pSerializer) {
 
 template <class Pixel>
 void KxImage<Pixel>::PartialSerialize(std::FILE* pFile, int bWriting) {
-    AtBoundary(
-        nullptr,
-        [&] {
-            KxFilePointerSerializer stream(pFile, bWriting);
-            PartialSerialize(&stream);
-        },
-        KX_ERROR_ARCHIVE_ACCESS);
+    WithOpenFile(pFile, bWriting, [&](KxSerializer& stream) { PartialSerialize(&stream); });
 }
 
 template <class Pixel>
@@ -193,13 +186,8 @@ void KxImage<Pixel>::VersionLessPartialSerialize(KxSerializer* pSerializer, unsi
 
 template <class Pixel>
 void KxImage<Pixel>::VersionLessPartialSerialize(std::FILE* pFile, int bWriting, unsigned int un32Align) {
-    AtBoundary(
-        nullptr,
-        [&] {
-            KxFilePointerSerializer stream(pFile, bWriting);
-            VersionLessPartialSerialize(&stream, un32Align);
-        },
-        KX_ERROR_ARCHIVE_ACCESS);
+    WithOpenFile(pFile, bWriting,
+                 [&](KxSerializer& stream) { VersionLessPartialSerialize(&stream, un32Align); });
 }
 
 template <class Pixel>

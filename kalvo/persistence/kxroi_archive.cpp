@@ -4,7 +4,6 @@
 #include <memory>
 #include <string>
 
-#include "kalvo/frame/boundary.h"
 #include "kalvo/image/regiontree.h"
 #include "kalvo/persistence/recordtransfer.h"
 #include "kalvo/persistence/streambytes.h"
@@ -156,13 +155,7 @@ void KxROI<Pixel>::PartialSerialize(KxSerializer* pSerializer) {
 
 template <class Pixel>
 void KxROI<Pixel>::PartialSerialize(std::FILE* pFile, int bWriting) {
-    AtBoundary(
-        nullptr,
-        [&] {
-            KxFilePointerSerializer stream(pFile, bWriting);
-            PartialSerialize(&stream);
-        },
-        KX_ERROR_ARCHIVE_ACCESS);
+    WithOpenFile(pFile, bWriting, [&](KxSerializer& stream) { PartialSerialize(&stream); });
 }
 
 template <class Pixel>

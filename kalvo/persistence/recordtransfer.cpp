@@ -6,7 +6,6 @@
 #include <limits>
 #include <utility>
 
-#include "kalvo/frame/boundary.h"
 #include "kalvo/image/regiontree.h"
 #include "kalvo/persistence/streambytes.h"
 

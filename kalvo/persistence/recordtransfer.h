@@ -3,12 +3,14 @@
 // thousand levels, and the thread's stack may be small.
 
 #include <cstdint>
+#include <cstdio>
 #include <deque>
 #include <memory>
 #include <optional>
 #include <tuple>
 #include <type_traits>
 
+#include "kalvo/frame/boundary.h"
 #include "kalvo/image/kximage.h"
 #include "kalvo/persistence/streamposition.h"
 
@@ -58,6 +60,16 @@ void WriteHeader(KxSerializer& stream, KxSerializer::ObjectType type, unsigned v
 /// Reads the header of `object` and returns the version of its record. Throws when another object or a later
 /// version stands there.
 unsigned ReadHeader(KxSerializer& stream, KxGenericROI& object);
+
+/// Runs a transfer on an open file of the caller. Failures end in the error slot, untraced.
+template <class Operation>
+void WithOpenFile(std::FILE* file, int writing, const Operation& operation) {
+    const auto run = [&] {
+        KxFilePointerSerializer stream(file, writing);
+        operation(stream);
+    };
+    AtBoundary(nullptr, run, KX_ERROR_ARCHIVE_ACCESS);
+}
 
 /// Moves one object, its children and their children between memory and a stream.
 class RecordTransfer {

@@ -53,7 +53,6 @@ TEST(KxDimensionalValue, ReadsEveryVersionOfTheRecordOrKeepsItsUnit) {
     const Bytes record = Dimension(2, Numbers({0}), 4, "pace");
     const Bytes predefined = Dimension(2, Numbers({1}), 4, "pace");
     const std::tuple<unsigned, Bytes, const char*, KX_ERRORS> cases[] = {
-        {0, shortRecord, "pace", KX_OK},
         {1, shortRecord, "pace", KX_OK},
         {2, predefined, "pace", KX_OK},
         {3, record, "pace", KX_OK},

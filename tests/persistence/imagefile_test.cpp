@@ -20,7 +20,6 @@ namespace {
 
 using namespace Testing;
 using namespace std::string_literals;
-using Names = std::vector<std::string>;
 
 class ImageFile : public testing::Test {
 protected:
@@ -76,7 +75,6 @@ TYPED_TEST(ImageFileOf, IsWrittenInTheChosenFormatOrNotTouched) {
         if (code == 0) {
             EXPECT_EQ(KxLoadImage(&loaded, path.c_str(), this->type), 0) << choice.type << choice.name;
             EXPECT_EQ(this->type, outcome) << choice.type << choice.name;
-            EXPECT_EQ(loaded.GetWidth(), 5);
         }
     }
 }
@@ -141,8 +139,6 @@ TEST_F(ImageFile, LoadsIntoARegionOfTheSameSizeOnly) {
     EXPECT_EQ(KxLoadImage(&wider, bmp.c_str(), type), KX_ERROR_SIZE_MISMATCH);
     EXPECT_EQ(KxLoadImage(&lower, bmp.c_str(), type), KX_ERROR_SIZE_MISMATCH);
     EXPECT_TRUE(SamePixels(frame, expected));
-    EXPECT_EQ(traces.Functions(), Names(2, "KxImageC24::Load"));
-
     EXPECT_EQ(region.Load(bmp.c_str()), IMAGE_FILE_BMP_COLOR);
     EXPECT_EQ(KxGetError(), KX_OK);
     KxROI<KxC24> inside(&expected, 3, 2, 4, 3);
@@ -184,8 +180,9 @@ TEST_F(ImageFile, RefusesBilevelRegionsAndPixelsWithoutFiles) {
     EXPECT_EQ(KxGetError(), KX_ERROR_UNSUPPORTED_IMAGE_TYPE);
     EXPECT_FALSE(std::filesystem::exists(folder.File("b.bmp")));
     KxImage<KxBW16>().Load(Wide(folder.File("none")).c_str());
-    EXPECT_EQ(traces.Functions(), (Names{"KxROI::Load", "KxImage::Load", "KxROI::Load", "KxImage::Save",
-                                         "KxROI::Save", "KxImageBW16::Load ( Unicode)"}));
+    EXPECT_EQ(traces.Functions(),
+              (std::vector<std::string>{"KxROI::Load", "KxImage::Load", "KxROI::Load", "KxImage::Save",
+                                        "KxROI::Save", "KxImageBW16::Load ( Unicode)"}));
 }
 
 TEST_F(ImageFile, CreatesTheFirstImageThatTakesTheFile) {
