@@ -216,9 +216,7 @@ static_assert(HasRisingCodes(kTexts));
 
 }  // namespace
 
-std::span<const ErrorText> LibraryErrorTexts() noexcept {
-    return kTexts;
-}
+std::span<const ErrorText> LibraryErrorTexts() noexcept { return kTexts; }
 
 const char* FindErrorText(std::int32_t code) noexcept {
     for (const auto table : {LibraryErrorTexts(), SiblingErrorTexts(), AcquisitionErrorTexts()}) {

@@ -338,8 +338,6 @@ static_assert(HasRisingCodes(kTexts));
 
 }  // namespace
 
-std::span<const ErrorText> AcquisitionErrorTexts() noexcept {
-    return kTexts;
-}
+std::span<const ErrorText> AcquisitionErrorTexts() noexcept { return kTexts; }
 
 }  // namespace Zelkor::Kalvo

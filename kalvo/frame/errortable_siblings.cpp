@@ -365,8 +365,6 @@ static_assert(HasRisingCodes(kTexts));
 
 }  // namespace
 
-std::span<const ErrorText> SiblingErrorTexts() noexcept {
-    return kTexts;
-}
+std::span<const ErrorText> SiblingErrorTexts() noexcept { return kTexts; }
 
 }  // namespace Zelkor::Kalvo

@@ -8,9 +8,7 @@
 #include "kalvo/frame/errortable.h"
 #include "kalvo/frame/kxthread.h"
 
-KX_ERRORS KxOk() {
-    return KxSetError(KX_OK);
-}
+KX_ERRORS KxOk() { return KxSetError(KX_OK); }
 
 KX_ERRORS KxSetError(KX_ERRORS eError) {
     if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_eError = eError;
@@ -22,13 +20,9 @@ KX_ERRORS KxGetError() {
     return record ? record->m_eError : KX_ERROR_CANNOT_TRACE;
 }
 
-int KxSuccess() {
-    return KxGetError() < 1000;
-}
+int KxSuccess() { return KxGetError() < 1000; }
 
-int KxFailure() {
-    return !KxSuccess();
-}
+int KxFailure() { return !KxSuccess(); }
 
 const char* KxGetErrorText(KX_ERRORS eError) {
     if (const char* text = Zelkor::Kalvo::FindErrorText(eError)) return text;
@@ -38,9 +32,7 @@ const char* KxGetErrorText(KX_ERRORS eError) {
     return unknownCodeText;
 }
 
-const char* KxGetErrorText() {
-    return KxGetErrorText(KxGetError());
-}
+const char* KxGetErrorText() { return KxGetErrorText(KxGetError()); }
 
 const unsigned short* KxGetErrorTextUnicode(KX_ERRORS eError) {
     constexpr std::size_t kUnits = 256;
@@ -53,6 +45,4 @@ const unsigned short* KxGetErrorTextUnicode(KX_ERRORS eError) {
     return wideText;
 }
 
-const unsigned short* KxGetErrorTextUnicode() {
-    return KxGetErrorTextUnicode(KxGetError());
-}
+const unsigned short* KxGetErrorTextUnicode() { return KxGetErrorTextUnicode(KxGetError()); }

@@ -4,8 +4,6 @@
 
 namespace Zelkor::Kalvo {
 
-const char* Exception::What() const {
-    return KxGetErrorText(m_eError);
-}
+const char* Exception::What() const { return KxGetErrorText(m_eError); }
 
 }  // namespace Zelkor::Kalvo

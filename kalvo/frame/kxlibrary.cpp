@@ -22,9 +22,7 @@ __attribute__((constructor(101))) void OnLoad() {
     KxInternalDllMain(nullptr, kProcessAttach, nullptr);
 }
 
-__attribute__((destructor(101))) void OnUnload() {
-    KxInternalDllMain(nullptr, kProcessDetach, nullptr);
-}
+__attribute__((destructor(101))) void OnUnload() { KxInternalDllMain(nullptr, kProcessDetach, nullptr); }
 
 }  // namespace
 
@@ -52,30 +50,20 @@ void InternalDLLMain() {}
 
 void InternalDLLMainExit() {}
 
-const char* KxGetVersion() {
-    return "6.7.1.0";
-}
+const char* KxGetVersion() { return "6.7.1.0"; }
 
 const unsigned short* KxGetVersionUnicode() {
     static constexpr unsigned short kVersion[] = {'6', '.', '7', '.', '1', '.', '0', 0};
     return kVersion;
 }
 
-void KxSetMMX(int bUse) {
-    useMmx = bUse;
-}
+void KxSetMMX(int bUse) { useMmx = bUse; }
 
-int KxGetMMX() {
-    return useMmx;
-}
+int KxGetMMX() { return useMmx; }
 
-void KxSetRecursiveCopyBehavior(int bRecursive) {
-    recursiveCopyBehavior = bRecursive;
-}
+void KxSetRecursiveCopyBehavior(int bRecursive) { recursiveCopyBehavior = bRecursive; }
 
-int KxGetRecursiveCopyBehavior() {
-    return recursiveCopyBehavior;
-}
+int KxGetRecursiveCopyBehavior() { return recursiveCopyBehavior; }
 
 void KxSetJpegQuality(unsigned int un32Quality) {
     if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_un32JpegQuality = un32Quality;
@@ -90,13 +78,9 @@ void KxSetTiffStripSize(unsigned int un32StripSize) {
     if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_un32TiffStripSize = un32StripSize;
 }
 
-void* Kalvo_Malloc(unsigned int un32Size) {
-    return std::malloc(un32Size);
-}
+void* Kalvo_Malloc(unsigned int un32Size) { return std::malloc(un32Size); }
 
-void Kalvo_Free(void* pBlock) {
-    std::free(pBlock);
-}
+void Kalvo_Free(void* pBlock) { std::free(pBlock); }
 
 namespace Zelkor::Kalvo {
 
@@ -104,12 +88,8 @@ void Initialize() {}
 
 void Terminate() {}
 
-void SetRecursiveCopyBehavior(int bRecursive) {
-    KxSetRecursiveCopyBehavior(bRecursive);
-}
+void SetRecursiveCopyBehavior(int bRecursive) { KxSetRecursiveCopyBehavior(bRecursive); }
 
-int GetRecursiveCopyBehavior() {
-    return KxGetRecursiveCopyBehavior();
-}
+int GetRecursiveCopyBehavior() { return KxGetRecursiveCopyBehavior(); }
 
 }  // namespace Zelkor::Kalvo

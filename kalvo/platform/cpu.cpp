@@ -22,13 +22,9 @@ bool HasAvx2() {
 
 #else
 
-bool HasMmx() {
-    return false;
-}
+bool HasMmx() { return false; }
 
-bool HasAvx2() {
-    return false;
-}
+bool HasAvx2() { return false; }
 
 #endif
 

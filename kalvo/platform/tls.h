@@ -14,18 +14,12 @@ inline bool TlsAlloc(TlsSlot& slot, void (*release)(void*)) {
 }
 
 /// The calling thread's value; null when it has set none.
-inline void* TlsGetValue(TlsSlot slot) {
-    return pthread_getspecific(slot);
-}
+inline void* TlsGetValue(TlsSlot slot) { return pthread_getspecific(slot); }
 
 /// Stores the calling thread's value; false when there is no memory for it.
-inline bool TlsSetValue(TlsSlot slot, void* value) {
-    return pthread_setspecific(slot, value) == 0;
-}
+inline bool TlsSetValue(TlsSlot slot, void* value) { return pthread_setspecific(slot, value) == 0; }
 
 /// Gives the slot back. The threads' values are not released.
-inline void TlsFree(TlsSlot slot) {
-    pthread_key_delete(slot);
-}
+inline void TlsFree(TlsSlot slot) { pthread_key_delete(slot); }
 
 }  // namespace Zelkor::Platform

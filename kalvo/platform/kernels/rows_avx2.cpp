@@ -17,9 +17,7 @@ KX_TARGET_BEGIN("avx2")
 namespace Zelkor::Kalvo::RowsAvx2 {
 namespace {
 
-const Kernels& Portable() {
-    return AvailableKernels().front();
-}
+const Kernels& Portable() { return AvailableKernels().front(); }
 
 __m256i Load(const std::uint8_t* bytes) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
