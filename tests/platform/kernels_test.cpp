@@ -12,6 +12,10 @@
 #include <vector>
 
 namespace Zelkor::Kalvo {
+
+// Names the sets in the names of their tests.
+void PrintTo(const Kernels& set, std::ostream* stream) { *stream << set.name; }
+
 namespace {
 
 // A vector of n bytes is n bytes on the heap, so address sanitizer sees an access just outside.
@@ -87,8 +91,7 @@ protected:
     }
 };
 INSTANTIATE_TEST_SUITE_P(Available, KernelSet,
-                         testing::ValuesIn(AvailableKernels().begin(), AvailableKernels().end()),
-                         [](const auto& set) { return std::string(set.param.name); });
+                         testing::ValuesIn(AvailableKernels().begin(), AvailableKernels().end()));
 
 TEST_P(KernelSet, ExchangesRedAndBlueInPlaceAndNot) {
     for (const bool inPlace : {false, true})
