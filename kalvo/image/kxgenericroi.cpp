@@ -57,6 +57,15 @@ Region* NextDepthFirst(Region* current, Region* stop) {
     return next == stop ? nullptr : next;
 }
 
+// Up to the root, or to an image further down: archives may hold images below others.
+int TotalOrigin(const KxGenericROI& region, int (KxGenericROI::*origin)() const) {
+    int total = 0;
+    for (const KxGenericROI* node = &region; node->GetParent() && const_cast<KxGenericROI*>(node)->IsAnROI();
+         node = node->GetParent())
+        total += (node->*origin)();
+    return total;
+}
+
 int TopSize(const KxGenericROI& region, int (KxGenericROI::*size)() const, const char* traceName) {
     if (const KxGenericROI* top = region.GetTopParent()) return (top->*size)();
     Report(KX_ERROR_ROI_HAS_NO_PARENT, traceName);
@@ -105,17 +114,9 @@ void KxGenericROI::SetTitle(const unsigned short* pwszText) {
     FreeBufferAndCopyString(m_pszTitleUnicode, pwszText);
 }
 
-int KxGenericROI::GetTotalOrgX() const {
-    int total = 0;
-    for (const KxGenericROI* node = this; node->m_pParent; node = node->m_pParent) total += node->m_n32OrgX;
-    return total;
-}
+int KxGenericROI::GetTotalOrgX() const { return TotalOrigin(*this, &KxGenericROI::GetOrgX); }
 
-int KxGenericROI::GetTotalOrgY() const {
-    int total = 0;
-    for (const KxGenericROI* node = this; node->m_pParent; node = node->m_pParent) total += node->m_n32OrgY;
-    return total;
-}
+int KxGenericROI::GetTotalOrgY() const { return TotalOrigin(*this, &KxGenericROI::GetOrgY); }
 
 int KxGenericROI::GetTotalWidth() const {
     return TopSize(*this, &KxGenericROI::GetWidth, "KxROI::GetTotalWidth");

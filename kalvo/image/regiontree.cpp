@@ -134,9 +134,9 @@ void RegionTree::ClipChildren(KxGenericROI& parent) {
         if (child->IsAnROI()) Clip(*child);
 }
 
-bool RegionTree::FitDescendants(KxGenericROI& image) {
+bool RegionTree::FitDescendants(KxGenericROI& top) {
     bool allInside = true;
-    KxGenericROI* node = image.m_pFirstSubROI;
+    KxGenericROI* node = top.m_pFirstSubROI;
     while (node) {
         if (node->IsAnROI()) {
             allInside &= FitIntoParent(*node);
@@ -146,8 +146,8 @@ bool RegionTree::FitDescendants(KxGenericROI& image) {
             }
         }
         // An image below is the root of its own regions.
-        while (node != &image && !node->m_pSibling) node = node->m_pParent;
-        node = node == &image ? nullptr : node->m_pSibling;
+        while (node != &top && !node->m_pSibling) node = node->m_pParent;
+        node = node == &top ? nullptr : node->m_pSibling;
     }
     return allInside;
 }
@@ -172,8 +172,9 @@ std::int64_t RegionTree::RoomFor(const KxGenericROI& region, const Axis& axis) {
     const int bits = region.GetBitsPerPixel();
     const int parentBits = parent.GetBitsPerPixel();
     if (room < 0 || &axis == &kVertical || bits <= parentBits) return room;
-    // Only archives make trees that mix pixel types. Wider pixels end where the rows of the parent end.
-    return room * parentBits / bits;
+    // Only archives make trees that mix pixel types. Wider pixels end where the rows of the parent end, and
+    // have no place among single bits.
+    return room * (parentBits / 8) / (bits / 8);
 }
 
 }  // namespace Zelkor::Kalvo

@@ -41,9 +41,9 @@ struct RegionTree {
                           const char* setterName);
     /// Re-applies the own width and height of every child, which clips them to their parent.
     static void ClipChildren(KxGenericROI& parent);
-    /// Clips every region below an image whose tree holds placements of unknown origin, in one pass. False
-    /// when some lay beyond their parent; those cover it now.
-    static bool FitDescendants(KxGenericROI& image);
+    /// Clips every region below `top`, but not those below a further image, in one pass: their placements may
+    /// be of unknown origin. False when some lay beyond their parent; those cover it now.
+    static bool FitDescendants(KxGenericROI& top);
 
 private:
     /// Pixels that the parent of `region` leaves it along an axis; negative when its origin lies beyond.

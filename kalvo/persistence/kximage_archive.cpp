@@ -8,7 +8,6 @@
 
 #include "kalvo/frame/checkedsize.h"
 #include "kalvo/image/regionrows.h"
-#include "kalvo/image/regiontree.h"
 #include "kalvo/persistence/recordtransfer.h"
 #include "kalvo/persistence/streambytes.h"
 
@@ -143,14 +142,11 @@ void KxImage<Pixel>::ReadPixels(KxSerializer& serializer) {
     TransferValue(serializer, bitsPerRow, "m_n32BitsPerRow");
     if (bitsPerPixel != m_n32BitsPerPixel || bitsPerRow < 0) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
 
-    // Before the size is set, which clips regions too, but may walk a tree made for it many times.
-    const bool regionsInside = RegionTree::FitDescendants(*this);
     const std::int32_t width = std::exchange(this->m_n32Width, 0);
     const std::int32_t height = std::exchange(this->m_n32Height, 0);
     this->m_n32OrgX = this->m_n32OrgY = 0;
     ResizeTo(*this, width, height, bitsPerRow / 8, serializer);
     TransferPixels(serializer, RowsOf(*this), bitsPerRow / 8, UsefulRowBytes<Pixel>(width));
-    if (!regionsInside) KxSetError(KX_ERROR_ROI_OUT_OF_PARENT);
 }
 
 template <class Pixel>

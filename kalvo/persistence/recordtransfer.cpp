@@ -149,6 +149,8 @@ void RecordTransfer::EndRecord() {
     Level& level = m_levels.back();
     if (!level.object->IsAnROI()) ThrowChildFailure();
     level.object->SerializePlacement(m_stream);
+    if (m_reading && HoldsTopOfRegions(level) && !RegionTree::FitDescendants(*level.object))
+        KxSetError(KX_ERROR_ROI_OUT_OF_PARENT);
     level.archivedClass->transferFields(*level.object, m_stream, level.version);
     if (level.rewinder) level.rewinder->Keep();
     std::unique_ptr<KxGenericROI> made = std::move(level.made);
@@ -158,6 +160,12 @@ void RecordTransfer::EndRecord() {
     made->m_eColorSystem = parent.object->m_eColorSystem;
     RegionTree::Append(*parent.object, *made, parent.child);
     parent.child = made.release();
+}
+
+// Regions are placed in the image above them, or in the region that is loaded. Sizing an image clips them
+// too, but may walk a tree made for it many times: so they are fitted before.
+bool RecordTransfer::HoldsTopOfRegions(const Level& level) const {
+    return m_levels.size() == 1 || !level.object->IsAnROI();
 }
 
 // Called while an exception is handled: drops the object that failed, keeping the code of the first failure,

@@ -109,6 +109,7 @@ private:
     void BeginRecord(Level& level);
     void BeginNextChild();
     void EndRecord();
+    bool HoldsTopOfRegions(const Level& level) const;
     void AbsorbChildFailure();
     void ThrowChildFailure() const;
 

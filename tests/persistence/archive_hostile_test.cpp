@@ -156,12 +156,22 @@ TEST(BrokenArchive, OfAChildEndsTheListOfItsParent) {
                                Leaf(47, 2, 2, 2, 2), Place(0, 0, 4, 4)}));
     EXPECT_EQ(Load(region, reader), KX_ERROR_UNSUPPORTED_FILE_VERSION);
     ASSERT_TRUE(region.GetFirstSubROI());
-    EXPECT_EQ(region.GetFirstSubROI()->GetExtent(), GenericRoiExtent(1, 1, 1, 1));
     EXPECT_EQ(region.GetFirstSubROI()->GetNextSiblingROI(), nullptr);
     EXPECT_EQ(region.GetOrgX(), LoadLittleEndian<std::int32_t>(Header(47, 5).data()));
     Image image(9, 9);
     region.Attach(&image);
     EXPECT_EQ(region.GetExtent(), GenericRoiExtent(0, 0, 9, 9));
+}
+
+// Far origins would add up beyond 32 bits.
+TEST(BrokenArchive, OfRegionsOutsideTheirParentIsMended) {
+    Region region;
+    WatchedReader reader(Join({Begin(47, 1), Begin(47, 1), Leaf(47, INT_MAX, 0, 1, 1),
+                               Place(INT_MAX, 0, INT_MAX, 1), Place(INT_MAX, INT_MAX, 5, 4)}));
+    EXPECT_EQ(Load(region, reader), KX_ERROR_ROI_OUT_OF_PARENT);
+    EXPECT_EQ(region.GetExtent(), GenericRoiExtent(INT_MAX, INT_MAX, 5, 4));
+    EXPECT_EQ(region.GetFirstSubROI()->GetExtent(), GenericRoiExtent(0, 0, 5, 4));
+    EXPECT_EQ(region.GetFirstSubROI()->GetFirstSubROI()->GetTotalOrgX(), 0);
 }
 
 // Broken children that overlap, each with a text as long as half the archive.

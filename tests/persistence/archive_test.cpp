@@ -187,25 +187,25 @@ TEST_F(Archive, KeepsTextsOfAnyLength) {
     EXPECT_EQ(loaded.GetTitle(), longText);
 }
 
-// An image that holds an image with a region, and a chain of regions, all of several versions and pixel
-// types.
+// An image that holds another image, with a region, in a region, and a chain of regions.
 TEST_F(Archive, RebuildsChildrenOfEveryKind) {
     const Bytes colorImage = Join({Begin(39, 1), Leaf(52, 1, 0, 1, 2), Place(7, 7, 2, 2, KX_COLOR_SYSTEM_RGB),
                                    Pixels(24, 192, Bytes(48, 9))});
     const Bytes chain =
         Join({Begin(47, 1, 0), Begin(47, 1, 3), Leaf(46, 2, 0, 1, 1), Place(0, 0, 4, 4), Place(5, 5, 5, 3)});
     Image image, again;
-    LoadFrom(Join({Begin(34, 2), colorImage, chain, Place(0, 0, 10, 8, KX_COLOR_SYSTEM_LABELIZED),
-                   Pixels(8, 192, Bytes(24 * 8, 5))}),
+    LoadFrom(Join({Begin(34, 2), Begin(47, 1), colorImage, Place(3, 3, 1, 1), chain,
+                   Place(0, 0, 10, 8, KX_COLOR_SYSTEM_LABELIZED), Pixels(8, 192, Bytes(24 * 8, 5))}),
              image);
     EXPECT_EQ(image.GetColorSystem(), KX_COLOR_SYSTEM_LABELIZED);
-    auto* color = dynamic_cast<KxImage<KxC24>*>(image.GetFirstSubROI());
+    auto* color = dynamic_cast<KxImage<KxC24>*>(image.GetFirstSubROI()->GetFirstSubROI());
     ASSERT_TRUE(color);
     EXPECT_EQ(color->GetExtent(), GenericRoiExtent(0, 0, 2, 2));
     EXPECT_EQ(color->GetColorSystem(), KX_COLOR_SYSTEM_GRAY_LEVEL)
         << "what the parent had when it was linked";
     EXPECT_EQ(dynamic_cast<KxROI<KxC24>*>(color->GetFirstSubROI())->GetPixel(0, 1), KxC24(9, 9, 9));
-    auto* region = dynamic_cast<Region*>(color->GetNextSiblingROI());
+    EXPECT_EQ(color->GetFirstSubROI()->GetTotalOrgX(), 1) << "its top image is the one next above";
+    auto* region = dynamic_cast<Region*>(image.GetFirstSubROI()->GetNextSiblingROI());
     ASSERT_TRUE(region);
     EXPECT_EQ(region->GetNextSiblingROI(), nullptr);
     EXPECT_EQ(region->GetFirstSubROI()->GetFirstSubROI()->GetType(), KX_IMAGE_BW1);
