@@ -184,8 +184,8 @@ public:
     /// (no header of this type there) or empty: `KX_ERROR_NOT_OPEN_FOR_READ`, `KX_ERROR_BAD_FILE_FORMAT`,
     /// `KX_ERROR_WRONG_OBJECT_TYPE`, `KX_ERROR_UNSUPPORTED_FILE_VERSION`, `KX_ERROR_FILE_READ`,
     /// `KX_ERROR_ALLOCATION`. A child that cannot be read ends the list of children of a region, which then
-    /// reads its own fields from wrong bytes, and fails an image; either way its code is left. A region placed
-    /// beyond its parent covers it instead and leaves `KX_ERROR_ROI_OUT_OF_PARENT`.
+    /// reads its own fields from wrong bytes, and fails an image; either way its code is left. A region
+    /// placed beyond its parent covers it instead and leaves `KX_ERROR_ROI_OUT_OF_PARENT`.
     void Load(KxSerializer* pSerializer);
     /// The same from an open file, which stays open after the object.
     void Load(std::FILE* pFile);
