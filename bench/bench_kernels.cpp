@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,33 @@ const Kernels kPlainLoops = {
         while (i + 2 < count && (bytes[i] != bytes[i + 1] || bytes[i] != bytes[i + 2])) ++i;
         return i + 2 < count ? i : count;
     },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t bytes) {
+        std::memmove(destination, source, bytes);
+    },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+        for (std::size_t i = 0; i < pixels; ++i) {
+            for (std::size_t k = 0; k < 3; ++k) destination[4 * i + k] = source[3 * i + k];
+            destination[4 * i + 3] = 0;
+        }
+    },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+        for (std::size_t i = 0; i < pixels; ++i) {
+            for (std::size_t k = 0; k < 3; ++k) destination[3 * i + k] = source[4 * i + k];
+        }
+    },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+        for (std::size_t i = 0; i < pixels; ++i) {
+            for (std::size_t k = 0; k < 3; ++k) destination[4 * i + k] = source[i];
+            destination[4 * i + 3] = 0;
+        }
+    },
+    [](std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes, std::uint8_t alpha) {
+        for (std::size_t i = 0; i < bytes; ++i) {
+            destination[i] =
+                static_cast<std::uint8_t>((source[i] * alpha + destination[i] * (255 - alpha) + 127) / 255);
+        }
+    },
+    AvailableKernels().front().sha1Blocks,
 };
 
 // A job works on a row whose wider side has `size` bytes; one byte more is there for bit offsets.
@@ -69,6 +97,11 @@ constexpr Job kJobs[] = {
      [](auto& k, auto*, auto* row, auto size) { benchmark::DoNotOptimize(k.runLength(row, size)); }},
     {"literalLength",
      [](auto& k, auto* row, auto*, auto size) { benchmark::DoNotOptimize(k.literalLength(row, size)); }},
+    {"copyBytes", [](auto& k, auto* from, auto* to, auto size) { k.copyBytes(from, to, size); }},
+    {"widen24To32", [](auto& k, auto* from, auto* to, auto size) { k.widen24To32(from, to, size / 4); }},
+    {"narrow32To24", [](auto& k, auto* from, auto* to, auto size) { k.narrow32To24(from, to, size / 4); }},
+    {"repeatTo32", [](auto& k, auto* from, auto* to, auto size) { k.repeatTo32(from, to, size / 4); }},
+    {"blendConstant", [](auto& k, auto* from, auto* to, auto size) { k.blendConstant(to, from, size, 77); }},
 };
 
 void Measure(benchmark::State& state, const Job& job, const Kernels& kernels) {

@@ -4,6 +4,7 @@
 namespace Zelkor::Platform {
 
 bool HasMmx();   // bit 23 of EDX from CPUID function 1
+bool HasSha();   // the SHA extensions, with SSSE3 and SSE4.1
 bool HasAvx2();  // and the operating system saves the wide registers
 
 }  // namespace Zelkor::Platform

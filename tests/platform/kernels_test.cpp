@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <random>
 #include <string>
@@ -55,6 +56,26 @@ const Kernels kReference = {
         while (i < count && !(i + 2 < count && bytes[i] == bytes[i + 1] && bytes[i] == bytes[i + 2])) ++i;
         return i;
     },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t bytes) {
+        const Bytes copy(source, source + bytes);
+        std::ranges::copy(copy, destination);
+    },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+        for (std::size_t i = 0; i < 4 * pixels; ++i)
+            destination[i] = i % 4 < 3 ? source[i / 4 * 3 + i % 4] : 0;
+    },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+        for (std::size_t i = 0; i < 3 * pixels; ++i) destination[i] = source[i / 3 * 4 + i % 3];
+    },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+        for (std::size_t i = 0; i < 4 * pixels; ++i) destination[i] = i % 4 < 3 ? source[i / 4] : 0;
+    },
+    [](std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes, std::uint8_t alpha) {
+        for (std::size_t i = 0; i < bytes; ++i)
+            destination[i] = static_cast<std::uint8_t>(
+                std::lround((source[i] * alpha + destination[i] * (255 - alpha)) / 255.0));
+    },
+    AvailableKernels().front().sha1Blocks,  // checked by known digests elsewhere
 };
 
 constexpr std::size_t kMaxLength = 260;
@@ -150,6 +171,35 @@ TEST_P(KernelSet, MeasuresRunsAndLiterals) {
             ASSERT_NO_FATAL_FAILURE(expectReference(literal)) << count << ", " << place;
         }
     }
+}
+
+TEST_P(KernelSet, CopiesWidensNarrowsAndRepeatsPixels) {
+    for (std::size_t n = 0; n <= kMaxLength; ++n) {
+        ASSERT_TRUE(SameOutput(n, n, [&](auto& s, auto* in, auto* out) { s.copyBytes(in, out, n); }));
+        ASSERT_TRUE(SameOutput(0, n + 9, [&](auto& s, auto*, auto* out) { s.copyBytes(out, out + 9, n); }));
+        ASSERT_TRUE(SameOutput(0, n + 9, [&](auto& s, auto*, auto* out) { s.copyBytes(out + 9, out, n); }));
+        ASSERT_TRUE(
+            SameOutput(3 * n, 4 * n, [&](auto& s, auto* in, auto* out) { s.widen24To32(in, out, n); }));
+        ASSERT_TRUE(
+            SameOutput(4 * n, 3 * n, [&](auto& s, auto* in, auto* out) { s.narrow32To24(in, out, n); }));
+        ASSERT_TRUE(SameOutput(n, 4 * n, [&](auto& s, auto* in, auto* out) { s.repeatTo32(in, out, n); }));
+    }
+}
+
+TEST_P(KernelSet, BlendsEveryPairOfBytesAndAnyLength) {
+    Bytes source(0x10000), below(0x10000);
+    for (std::size_t i = 0; i < source.size(); ++i) {
+        source[i] = static_cast<std::uint8_t>(i >> 8);
+        below[i] = static_cast<std::uint8_t>(i);
+    }
+    for (const std::uint8_t alpha : {0, 1, 2, 85, 127, 128, 200, 254, 255}) {
+        Bytes expected = below, actual = below;
+        kReference.blendConstant(expected.data(), source.data(), source.size(), alpha);
+        GetParam().blendConstant(actual.data(), source.data(), source.size(), alpha);
+        ASSERT_EQ(actual, expected) << int{alpha};
+    }
+    for (std::size_t n = 0; n <= kMaxLength; ++n)
+        ASSERT_TRUE(SameOutput(n, n, [&](auto& s, auto* in, auto* out) { s.blendConstant(out, in, n, 77); }));
 }
 
 TEST(Kernels, BestSetOfTheProcessorIsActive) {

@@ -11,14 +11,21 @@ namespace {
 struct InstructionSet {
     const char* name;
     bool (*isSupported)();
-    void (*install)(Kernels& kernels);
+    void (*install)(Kernels& kernels);  // from every file of the set
 };
+
+template <auto... kInstall>
+void InstallAll(Kernels& kernels) {
+    (kInstall(kernels), ...);
+}
 
 // Each set replaces entries of the supported ones above it.
 constexpr InstructionSet kInstructionSets[] = {
-    {"portable", [] { return true; }, RowsPortable::Install},
+    {"portable", [] { return true; },
+     InstallAll<RowsPortable::Install, PixelsPortable::Install, Sha1Portable::Install>},
 #if defined(__x86_64__)
-    {"avx2", Platform::HasAvx2, RowsAvx2::Install},
+    {"sha", Platform::HasSha, Sha1ShaNi::Install},
+    {"avx2", Platform::HasAvx2, InstallAll<RowsAvx2::Install, PixelsAvx2::Install>},
 #endif
 };
 

@@ -32,6 +32,22 @@ struct Kernels {
 
     // How many bytes stand before the first three equal ones in a row; `count` if there are none.
     std::size_t (*literalLength)(const std::uint8_t* bytes, std::size_t count);
+
+    // Copies bytes; the operands may overlap.
+    void (*copyBytes)(const std::uint8_t* source, std::uint8_t* destination, std::size_t bytes);
+
+    // Pixels of three bytes get a fourth one, 0, or lose it; and a byte becomes a pixel of three equal bytes
+    // and a 0. Without overlap.
+    void (*widen24To32)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
+    void (*narrow32To24)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
+    void (*repeatTo32)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
+
+    // Each destination byte d becomes (s x alpha + d x (255 - alpha)) / 255, rounded. Without overlap.
+    void (*blendConstant)(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes,
+                          std::uint8_t alpha);
+
+    // Takes blocks of 64 bytes into the five words of a SHA-1 state.
+    void (*sha1Blocks)(std::uint32_t* state, const std::uint8_t* blocks, std::size_t count);
 };
 
 // The best set for this processor, chosen once.
@@ -45,6 +61,18 @@ namespace RowsPortable {
 void Install(Kernels& kernels);
 }
 namespace RowsAvx2 {
+void Install(Kernels& kernels);
+}
+namespace PixelsPortable {
+void Install(Kernels& kernels);
+}
+namespace PixelsAvx2 {
+void Install(Kernels& kernels);
+}
+namespace Sha1Portable {
+void Install(Kernels& kernels);
+}
+namespace Sha1ShaNi {
 void Install(Kernels& kernels);
 }
 
