@@ -26,7 +26,7 @@ NEIGHBOURS = 4
 EXCEPTIONS = [(r"vectors/kxpixelvector", r"display/kxplot\.h"), (r"display/", r"vectors/kxpixelvector\.h")]
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"kalvo/([^"]+)"', re.MULTILINE)
-PUBLIC = re.compile(r"(.*/kx[^/]*(?<!_templimpl)|platform/win32types|platform/messagebox)\.h")
+PUBLIC = re.compile(r"(.*/kx[^/]*(?<!_templimpl)|platform/(win32types|messagebox|clock|criticalsection|gdi|tls))\.h")
 
 
 def level_of(path):

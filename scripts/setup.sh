@@ -5,8 +5,10 @@ set -euo pipefail
 
 packages=(
     g++ cmake ninja-build python3-minimal       # the build
-    libjpeg62-turbo-dev                         # the library
-    libcli11-dev nlohmann-json3-dev             # the program
+    libjpeg62-turbo-dev                         # the library: images
+    libfreetype-dev libfontconfig-dev           # the library: texts
+    fonts-dejavu-core                           # letters for the demonstration and the tests
+    libcli11-dev nlohmann-json3-dev libpng-dev  # the program
     libgtest-dev libgmock-dev libbenchmark-dev  # tests and benchmarks
     python-matplotlib-data                      # a photograph for the demonstration
     "$@"

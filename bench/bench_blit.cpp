@@ -1,0 +1,125 @@
+// Bitmaps drawn on a context of 1920 x 1080 pixels of 32 or 24 bits, beside copying the bytes of the result.
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "kalvo/platform/gdi.h"
+
+namespace {
+
+constexpr int kWidth = 1920, kHeight = 1080;
+
+enum class Colors { Greys, Rainbow };
+
+// A top-down bitmap of the kind that images become, with a colour table if it needs one.
+struct Picture {
+    Picture(int bitCount, Colors colors, int width = kWidth, int height = kHeight)
+        : header(sizeof(BITMAPINFOHEADER) + 256 * sizeof(RGBQUAD)),
+          pixels((static_cast<std::size_t>(width) * bitCount + 31) / 32 * 4 * height) {
+        Info()->bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+        Info()->bmiHeader.biWidth = width;
+        Info()->bmiHeader.biHeight = -height;
+        Info()->bmiHeader.biPlanes = 1;
+        Info()->bmiHeader.biBitCount = static_cast<WORD>(bitCount);
+        const int entries = bitCount > 8 ? 0 : 1 << bitCount;
+        RGBQUAD* table = Info()->bmiColors;
+        for (int i = 0; i < entries; ++i) {
+            const auto level = static_cast<BYTE>(i * 255 / (entries - 1));
+            table[i] = {level, level, colors == Colors::Greys ? level : static_cast<BYTE>(255 - level), 0};
+        }
+        for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<std::uint8_t>(i * i >> 5);
+    }
+    BITMAPINFO* Info() { return reinterpret_cast<BITMAPINFO*>(header.data()); }
+
+    std::vector<std::uint8_t> header, pixels;
+};
+
+// A context with a section of its own.
+struct Canvas {
+    explicit Canvas(Picture picture) {
+        bitmap = CreateDIBSection(nullptr, picture.Info(), DIB_RGB_COLORS, &bits);
+        std::memcpy(bits, picture.pixels.data(), picture.pixels.size());
+        previous = SelectObject(hdc, bitmap);
+    }
+    Canvas(const Canvas&) = delete;
+    ~Canvas() {
+        SelectObject(hdc, previous);
+        DeleteObject(bitmap);
+        DeleteDC(hdc);
+    }
+
+    HDC hdc = CreateCompatibleDC(nullptr);
+    HBITMAP bitmap = nullptr;
+    HGDIOBJ previous = nullptr;
+    void* bits = nullptr;
+};
+
+void CountResult(benchmark::State& state, int bitCount) {
+    state.SetBytesProcessed(state.iterations() * kWidth * kHeight * bitCount / 8);
+}
+
+void Copy(benchmark::State& state, int bitCount) {
+    const Canvas canvas(Picture(bitCount, Colors::Greys));
+    const Picture source(bitCount, Colors::Greys);
+    for (auto _ : state) {
+        std::memcpy(canvas.bits, source.pixels.data(), source.pixels.size());
+        benchmark::ClobberMemory();
+    }
+    CountResult(state, bitCount);
+}
+
+void Draw(benchmark::State& state, int from, Colors colors, int to) {
+    const Canvas canvas(Picture(to, Colors::Greys));
+    Picture source(from, colors);
+    for (auto _ : state) {
+        SetDIBitsToDevice(canvas.hdc, 0, 0, kWidth, kHeight, 0, 0, 0, kHeight, source.pixels.data(),
+                          source.Info(), DIB_RGB_COLORS);
+    }
+    CountResult(state, to);
+}
+
+void Zoom(benchmark::State& state, int from, int to) {
+    constexpr int kSourceWidth = kWidth * 2 / 5, kSourceHeight = kHeight * 2 / 5;
+    const Canvas canvas(Picture(to, Colors::Greys));
+    Picture source(from, Colors::Greys, kSourceWidth, kSourceHeight);
+    for (auto _ : state) {
+        StretchDIBits(canvas.hdc, 0, 0, kWidth, kHeight, 0, 0, kSourceWidth, kSourceHeight,
+                      source.pixels.data(), source.Info(), DIB_RGB_COLORS, SRCCOPY);
+    }
+    CountResult(state, to);
+}
+
+void Mix(benchmark::State& state, int from, int to) {
+    const Canvas canvas(Picture(to, Colors::Greys)), source(Picture(from, Colors::Rainbow));
+    for (auto _ : state) {
+        AlphaBlend(canvas.hdc, 0, 0, kWidth, kHeight, source.hdc, 0, 0, kWidth, kHeight,
+                   {AC_SRC_OVER, 0, 100, 0});
+    }
+    CountResult(state, to);
+}
+
+BENCHMARK_CAPTURE(Copy, 32, 32);
+BENCHMARK_CAPTURE(Draw, 1 to 32, 1, Colors::Greys, 32);
+BENCHMARK_CAPTURE(Draw, 8 to 32, 8, Colors::Greys, 32);
+BENCHMARK_CAPTURE(Draw, 8 to 24, 8, Colors::Greys, 24);
+BENCHMARK_CAPTURE(Draw, 8 with colours to 32, 8, Colors::Rainbow, 32);
+BENCHMARK_CAPTURE(Draw, 8 with colours to 24, 8, Colors::Rainbow, 24);
+BENCHMARK_CAPTURE(Draw, 16 to 32, 16, Colors::Greys, 32);
+BENCHMARK_CAPTURE(Draw, 24 to 32, 24, Colors::Greys, 32);
+BENCHMARK_CAPTURE(Draw, 32 to 24, 32, Colors::Greys, 24);
+BENCHMARK_CAPTURE(Draw, 24 to 24, 24, Colors::Greys, 24);
+BENCHMARK_CAPTURE(Draw, 32 to 32, 32, Colors::Greys, 32);
+BENCHMARK_CAPTURE(Zoom, 8 to 32, 8, 32);
+BENCHMARK_CAPTURE(Zoom, 24 to 32, 24, 32);
+BENCHMARK_CAPTURE(Zoom, 24 to 24, 24, 24);
+BENCHMARK_CAPTURE(Zoom, 32 to 32, 32, 32);
+BENCHMARK_CAPTURE(Mix, 32 to 32, 32, 32);
+BENCHMARK_CAPTURE(Mix, 24 to 32, 24, 32);
+BENCHMARK_CAPTURE(Mix, 8 to 24, 8, 24);
+BENCHMARK_CAPTURE(Mix, 8 to 8, 8, 8);
+
+}  // namespace
+
+BENCHMARK_MAIN();
