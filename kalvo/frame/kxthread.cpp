@@ -5,18 +5,23 @@
 #include <new>
 
 #include "kalvo/frame/thread_slot.h"
+#include "kalvo/platform/gdi.h"
 #include "kalvo/platform/tls.h"
 
 namespace {
 
-using namespace Zelkor::Platform;
-
 constinit OzzoTLSStruct loadingThreadRecord{};
-TlsSlot recordSlot;
+constinit DWORD recordSlot = TLS_OUT_OF_INDEXES;
 constinit bool slotIsOpen = false;
 
 void ReleaseRecord(void* record) {
-    if (record != &loadingThreadRecord) delete static_cast<OzzoTLSStruct*>(record);
+    auto* released = static_cast<OzzoTLSStruct*>(record);
+    if (!released) return;
+    for (HPALETTE* palette : {&released->m_hGrayPalette, &released->m_hColorPalette}) {
+        if (*palette) DeleteObject(*palette);
+        *palette = nullptr;
+    }
+    if (released != &loadingThreadRecord) delete released;
 }
 
 OzzoTLSStruct* MakeRecord() {
@@ -32,7 +37,8 @@ namespace Zelkor::Kalvo {
 
 void OpenThreadSlot() {
     if (slotIsOpen) return;
-    slotIsOpen = TlsAlloc(recordSlot, ReleaseRecord);
+    recordSlot = Platform::AllocateReleasingSlot(ReleaseRecord);
+    slotIsOpen = recordSlot != TLS_OUT_OF_INDEXES;
     if (!slotIsOpen) return;
     loadingThreadRecord = OzzoTLSStruct{};
     TlsSetValue(recordSlot, &loadingThreadRecord);

@@ -15,6 +15,12 @@ struct KxLogicalPalette {
     std::array<PALETTEENTRY, 256> m_Entries;
 };
 
+/// The description of a bitmap with room for 256 colours; the first three also serve as colour masks.
+struct KxBitmapInfo {
+    BITMAPINFOHEADER m_Header;
+    std::array<RGBQUAD, 256> m_Colors;
+};
+
 /// One reading of the stopwatch: the counter, and the time of day for systems without one.
 struct KxTimeReading {
     std::int64_t m_n64Counter;
@@ -26,14 +32,13 @@ struct KxTimeReading {
 struct OzzoTLSStruct {
     KX_ERRORS m_eError = KX_OK;                          ///< the error slot
     KX_TRACE_MODE m_eTraceMode = KX_TRACE_MODE_MESSAGE;  ///< the trace mode
-    BITMAPINFOHEADER m_BitmapHeader;                     ///< bitmap being displayed; not set at first
-    std::array<RGBQUAD, 256> m_BitmapColors;             ///< its colour table; not set at first
+    KxBitmapInfo m_BitmapInfo;                           ///< bitmap being displayed; not set at first
     KxLogicalPalette m_GrayPalette;                      ///< filled on first use
     KxLogicalPalette m_ColorPalette;                     ///< filled on first use
-    HPALETTE m_hGrayPalette = nullptr;                   ///< made on first use
-    HPALETTE m_hColorPalette = nullptr;                  ///< made on first use
+    HPALETTE m_hGrayPalette = nullptr;                   ///< made on first use, deleted with the record
+    HPALETTE m_hColorPalette = nullptr;                  ///< made on first use, deleted with the record
     HPALETTE m_hPreviousPalette = nullptr;               ///< what the device context had selected before
-    HANDLE m_hImageDC = nullptr;                         ///< memory bitmap of an open image device context
+    HDC m_hImageDC = nullptr;                            ///< last image context opened; the caller's
     KxTimeReading m_StartTime;                           ///< not set at first
     KxTimeReading m_StopTime;                            ///< not set at first
     std::uint32_t m_un32JpegQuality = 50;                ///< 0 to 100

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "kalvo/frame/kxerror.h"
+#include "kalvo/image/kxframe.h"
 #include "kalvo/image/kxpixel.h"
 #include "kalvo/measure/kxroiextent.h"
 #include "kalvo/persistence/kxserializer.h"
@@ -15,7 +16,7 @@
 class KxMeasurementUnit;
 
 namespace Zelkor {
-class DrawAdapter;
+struct DrawAdapter;
 namespace Kalvo {
 struct RegionTree;
 class RecordTransfer;
@@ -95,9 +96,16 @@ public:
     virtual unsigned int GetCurrentVersion() const;
     /// Writes the fields of the object and of its children as text, each line indented by `n32Indent` blanks.
     virtual void DumpToStream(std::ostream& stream, int n32Indent) const;
+    /// Draws the runs of the mask with the pen of the device context, the rows of the device between the top
+    /// and the bottom edge of each. Unlike that of `Draw` the pan counts in pixels of the image. A vertical
+    /// zoom of 0 stands for the horizontal one here and below.
     virtual void DrawMask(HDC hDC, float f32ZoomX, float f32ZoomY, float f32PanX, float f32PanY) = 0;
+    /// Hands the region to a surface, opaque, panned by pixels of the surface. Which types make a picture is
+    /// up to the surface. An exception of the surface ends in the error slot.
     virtual void Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32ZoomY, float f32PanX,
                       float f32PanY);
+    /// Draws at (0, 0) of a device context; nothing when the region is void, or its pixels are of a type that
+    /// `Zelkor::GDIDrawAdapter` does not draw.
     virtual void Draw(HDC hDC, float f32ZoomX, float f32ZoomY) = 0;
     /// Index, from the most significant bit, of the bit where pixel (x, y) starts in its byte.
     virtual unsigned int GetBitIndex(int n32X, int n32Y) const = 0;
@@ -168,6 +176,14 @@ public:
     const unsigned short* GetTitleUnicode() const { return m_pszTitleUnicode.get(); }
     void SetTitle(const char* pszText);
     void SetTitle(const unsigned short* pwszText);
+
+    /// Draws the outline of the region in the current pen, and eight handles filled with white when
+    /// `bHandles` is not 0. Pixel (x, y) of the image lies at ((x + panX) x zoomX, (y + panY) x zoomY).
+    /// @param f32ZoomY  0 for the same as `f32ZoomX`
+    void DrawFrame(Zelkor::DrawAdapter* pSurface, KX_FRAME_POSITION ePosition, int bHandles, float f32ZoomX,
+                   float f32ZoomY, float f32PanX, float f32PanY);
+    void DrawFrame(HDC hDC, KX_FRAME_POSITION ePosition, int bHandles, float f32ZoomX, float f32ZoomY,
+                   float f32PanX, float f32PanY);
 
     /// Hands a heap object over to its parent, which destroys it when it is emptied or destroyed itself.
     void SetAllocated() { m_bAllocated = 1; }

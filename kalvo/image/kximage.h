@@ -65,6 +65,13 @@ public:
     KxSerializer::ObjectType GetSerializationType() override;
     /// Not supported: throws the int 0.
     void DumpToStream(std::ostream& stream, int n32Indent) const override;
+    void DrawMask(HDC hDC, float f32ZoomX, float f32ZoomY, float f32PanX, float f32PanY) override;
+    void Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32ZoomY, float f32PanX,
+              float f32PanY) override;
+    void Draw(HDC hDC, float f32ZoomX, float f32ZoomY) override;
+    /// Draw an image of `KxBW8` pixels through a table, as the members of `KxROI` do.
+    void Draw(HDC hDC, KxBW8Vector* pLut, float f32ZoomX, float f32ZoomY);
+    void Draw(HDC hDC, KxC24Vector* pLut, float f32ZoomX, float f32ZoomY);
 
     /// Exchanges the pixels of two images; see `KxSwapImages`.
     void SwapPixels(KxImage& other) noexcept;

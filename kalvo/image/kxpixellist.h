@@ -20,6 +20,9 @@
 // Types whose images exchange their buffers.
 #define KX_FOR_EACH_SWAPPABLE_PIXEL(X) X(KxBW8) X(KxBW16) X(KxC15) X(KxC16) X(KxC24) X(KxC24A)
 
+// Types whose images are resampled; a rescaled image takes over the buffer of another.
+#define KX_FOR_EACH_RESIZABLE_PIXEL(X) KX_FOR_EACH_SWAPPABLE_PIXEL(X)
+
 namespace Zelkor::Kalvo {
 
 /// In the order of the object types that archives give them; the last two have none.

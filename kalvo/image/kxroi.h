@@ -6,6 +6,9 @@
 #include "kalvo/image/kxpixellist.h"
 #include "kalvo/vectors/kxvector.h"
 
+class KxBW8Vector;
+class KxC24Vector;
+
 /// A region over pixels of type `Pixel`. Processing functions take regions, so the same code works on a whole
 /// image, which is a region too, and on part of one.
 ///
@@ -93,6 +96,15 @@ public:
     void Save(const unsigned short* pwszPath, IMAGE_FILE_TYPES eFileType = IMAGE_FILE_AUTO) const;
     using KxGenericROI::Save;
 
+    /// The part of the frame at pixel (x, y) of the surface, by the mapping of `DrawFrame`. Handles reach 4
+    /// pixels around their points; where they overlap, north and south win, then west and east. Remembers the
+    /// point as the one that `Drag` moves the region by.
+    KX_HANDLES HitTest(int n32X, int n32Y, float f32ZoomX, float f32ZoomY, float f32PanX, float f32PanY);
+    /// Moves what `HitTest` found to pixel (x, y) of the surface. The opposite sides stay where they are, and
+    /// at least one pixel of the region remains; it is placed by the rules of `SetOrgX` and its siblings.
+    void Drag(KX_HANDLES eHandle, int n32X, int n32Y, float f32ZoomX, float f32ZoomY, float f32PanX,
+              float f32PanY);
+
     const KxGenericROI* GetTopParent() const override;
     KxGenericROI* GetTopParent() override;
     void SetColorSystem() override;
@@ -123,6 +135,11 @@ public:
     void Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32ZoomY, float f32PanX,
               float f32PanY) override;
     void Draw(HDC hDC, float f32ZoomX, float f32ZoomY) override;
+    /// Draw a region of `KxBW8` pixels through a table of 256 greys or colours; nothing when it is void.
+    /// Clear the error slot first. Fail with `KX_ERROR_UNSUPPORTED_IMAGE_TYPE` (other pixels), or as
+    /// `KxDrawImageInWindow` does.
+    void Draw(HDC hDC, KxBW8Vector* pLut, float f32ZoomX, float f32ZoomY);
+    void Draw(HDC hDC, KxC24Vector* pLut, float f32ZoomX, float f32ZoomY);
     unsigned int GetBitIndex(int n32X, int n32Y) const override;
     void NotVoid() const override;
     int GetSkip() const override;

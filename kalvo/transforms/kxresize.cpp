@@ -1,0 +1,178 @@
+// Nearest neighbour: where the rows and columns of the destination come from, and how they get there.
+
+#include "kalvo/transforms/kxresize.h"
+
+#include <cstring>
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "kalvo/frame/boundary.h"
+#include "kalvo/frame/checkedsize.h"
+#include "kalvo/image/regionrows.h"
+
+using namespace Zelkor::Kalvo;
+
+namespace {
+
+// Steps through floor(i * sourceSize / destinationSize) for i = 0, 1, ... without a division.
+class SourceIndex {
+public:
+    SourceIndex(int sourceSize, int destinationSize)
+        : m_whole(sourceSize / destinationSize),
+          m_rest(sourceSize % destinationSize),
+          m_destinationSize(destinationSize) {}
+
+    int operator*() const { return m_index; }
+    void operator++() {
+        m_index += m_whole;
+        m_fraction += m_rest;
+        if (m_fraction < m_destinationSize) return;
+        m_fraction -= m_destinationSize;
+        ++m_index;
+    }
+
+private:
+    int m_whole, m_rest;
+    std::int64_t m_destinationSize;
+    int m_index = 0;
+    std::int64_t m_fraction = 0;
+};
+
+std::vector<std::int32_t> ColumnMap(int sourceWidth, int destinationWidth) {
+    std::vector<std::int32_t> columns(destinationWidth);
+    SourceIndex index(sourceWidth, destinationWidth);
+    for (std::int32_t& column : columns) {
+        column = *index;
+        ++index;
+    }
+    return columns;
+}
+
+template <int kBytesPerPixel>
+void GatherRow(const std::vector<std::int32_t>& columns, const std::uint8_t* source,
+               std::uint8_t* destination) {
+    for (const std::int32_t column : columns) {
+        std::memcpy(destination, source + std::size_t{kBytesPerPixel} * column, kBytesPerPixel);
+        destination += kBytesPerPixel;
+    }
+}
+
+template <int kBytesPerPixel>
+void Resample(const ConstRegionRows& source, const RegionRows& destination) {
+    const std::size_t rowBytes = std::size_t{kBytesPerPixel} * destination.width;
+    std::vector<std::int32_t> columns;
+    if (source.width != destination.width) columns = ColumnMap(source.width, destination.width);
+
+    SourceIndex row(source.height, destination.height);
+    const std::uint8_t* previous = nullptr;
+    for (int y = 0; y < destination.height; ++y, ++row) {
+        const std::uint8_t* from = source.Row(*row);
+        // A row that is sampled once more is copied; rows of a foreign buffer may overlap.
+        if (from == previous)
+            std::memmove(destination.Row(y), destination.Row(y - 1), rowBytes);
+        else if (columns.empty())
+            std::memcpy(destination.Row(y), from, rowBytes);
+        else
+            GatherRow<kBytesPerPixel>(columns, from, destination.Row(y));
+        previous = from;
+    }
+}
+
+// Addresses from the lowest to the highest row; for rows of overlapping regions, whatever lies between them.
+struct Span {
+    const std::uint8_t* begin;
+    const std::uint8_t* end;
+
+    Span(const ConstRegionRows& rows, std::size_t rowBytes)
+        : begin(rows.Row(0)), end(rows.Row(rows.height - 1)) {
+        if (std::less<>()(end, begin)) std::swap(begin, end);
+        end += rowBytes;
+    }
+    bool Overlaps(const Span& other) const {
+        return std::less<>()(begin, other.end) && std::less<>()(other.begin, end);
+    }
+};
+
+ConstRegionRows AsConst(const RegionRows& rows) {
+    return {rows.first, rows.firstBit, rows.pitchBytes, rows.width, rows.height};
+}
+
+ConstRegionRows CopyRows(const ConstRegionRows& rows, std::size_t rowBytes, std::vector<std::uint8_t>& copy) {
+    copy.resize(CheckedSize(rowBytes, rows.height, KX_ERROR_ALLOCATION));
+    for (int y = 0; y < rows.height; ++y) std::memcpy(copy.data() + rowBytes * y, rows.Row(y), rowBytes);
+    return {copy.data(), 0, static_cast<std::ptrdiff_t>(rowBytes), rows.width, rows.height};
+}
+
+bool IsEmpty(const auto& rows) { return rows.width == 0 || rows.height == 0; }
+
+template <class Pixel>
+void ResizeRegion(const KxROI<Pixel>& source, KxROI<Pixel>& destination) {
+    ConstRegionRows from = RowsOf(source);
+    const RegionRows to = RowsOf(destination);
+    if (!from.first || !to.first) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
+    if (IsEmpty(to)) return;
+    if (IsEmpty(from)) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
+
+    std::vector<std::uint8_t> copy;
+    const std::size_t fromBytes = sizeof(Pixel) * from.width, toBytes = sizeof(Pixel) * to.width;
+    if (Span(from, fromBytes).Overlaps(Span(AsConst(to), toBytes))) from = CopyRows(from, fromBytes, copy);
+    Resample<sizeof(Pixel)>(from, to);
+}
+
+template <class Pixel>
+void Resize(KxROI<Pixel>* source, KxROI<Pixel>* destination) {
+    AtBoundary("KxResize", [&] {
+        KxOk();
+        ResizeRegion(*source, *destination);
+    });
+}
+
+// A size that no image has, 0, stands for what is negative or not a number.
+int ScaledSize(int size, float scale) {
+    const float scaled = static_cast<float>(size) * scale;
+    if (!(scaled > 0)) return 0;
+    const float rounded = scaled + 0.5f;
+    if (rounded >= 0x1p31f) throw Exception(KX_ERROR_ORIGIN_IMAGE_TOO_BIG);
+    return static_cast<int>(rounded);
+}
+
+template <class Operation>
+void Checked(const Operation& operation) {
+    KxOk();
+    operation();
+    if (KxFailure()) throw Exception(KxGetError());
+}
+
+template <class Pixel>
+void Rescale(KxImage<Pixel>* source, KxImage<Pixel>* destination, float scaleX, float scaleY) {
+    AtBoundary("ImgRescale", [&] {
+        if (source->Void()) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
+        KxImage<Pixel> scaled;
+        const int width = ScaledSize(source->GetWidth(), scaleX),
+                  height = ScaledSize(source->GetHeight(), scaleY);
+        Checked([&] { scaled.SetSize(width, height); });
+        Checked([&] { KxResize(source, &scaled); });
+
+        // The destination only gets the shape: a buffer of its own would be allocated to be thrown away, and
+        // might not be had.
+        KxImage<Pixel>& target = destination ? *destination : *source;
+        target.ResetMask();
+        target.SetImagePtr(width, height, nullptr, scaled.GetBitsPerRow());
+        target.SwapPixels(scaled);
+    });
+}
+
+}  // namespace
+
+#define KX_DEFINE(Pixel)                                                                                \
+    void KxResize(KxROI<Pixel>* pSource, KxROI<Pixel>* pDestination) { Resize(pSource, pDestination); } \
+    void ImgRescale(KxImage<Pixel>* pSource, KxImage<Pixel>* pDestination, float f32ScaleX,             \
+                    float f32ScaleY) {                                                                  \
+        Rescale(pSource, pDestination, f32ScaleX, f32ScaleY);                                           \
+    }                                                                                                   \
+    void ImgRescale(KxImage<Pixel>* pImage, float f32ScaleX, float f32ScaleY) {                         \
+        Rescale<Pixel>(pImage, nullptr, f32ScaleX, f32ScaleY);                                          \
+    }
+KX_FOR_EACH_RESIZABLE_PIXEL(KX_DEFINE)
+#undef KX_DEFINE
