@@ -8,6 +8,9 @@
 #include "kalvo/image/kximagefiletypes.h"
 #include "kalvo/image/kxpixel.h"
 #include "kalvo/measure/kxroiextent.h"
+#include "kalvo/persistence/kxjpeghandler.h"
+#include "kalvo/vectors/kxpixelvector.h"
+#include "plot_picture.h"
 
 namespace App {
 
@@ -27,6 +30,34 @@ struct ConvertOptions {
     unsigned stripSize = 8192;
 };
 
+struct FieldsOptions {
+    std::string upField;
+    std::string downField;
+    std::string output;
+    KxJpegHandler::ScalingMode scaling = KxJpegHandler::FullSize;
+};
+
+enum MaskShape { MaskEllipse, MaskRing, MaskRectangle };
+
+struct DrawOptions {
+    std::string input;
+    std::string output;
+    float zoom = 1;
+    std::vector<Zelkor::Kalvo::GenericRoiExtent> regions;
+    std::vector<MaskShape> masks;  ///< of the first regions; without a region, one of the whole image
+    bool handles = false;
+    std::optional<KxBW8Vector> table;
+};
+
+struct PlotOptions {
+    std::string input;
+    std::string output;
+    std::optional<Zelkor::Kalvo::GenericRoiExtent> region;
+    std::optional<int> row;
+    std::optional<int> column;  ///< without row and column: a histogram
+    PictureSize size;
+};
+
 struct TourOptions {
     std::string picture;
     std::string folder = "kalvo-tour";
@@ -38,6 +69,12 @@ int RunInfo(const ShowOptions& options);
 int RunArchive(const ShowOptions& options);
 /// Loads an image, crops and converts it, and saves it.
 int RunConvert(const ConvertOptions& options);
+/// Makes one image of the two fields of a video frame, and saves it.
+int RunFields(const FieldsOptions& options);
+/// Draws an image with frames, handles and masks of regions, and saves the picture as a PNG file.
+int RunDraw(const DrawOptions& options);
+/// Plots a row, a column or the histogram of an image, and saves the picture as a PNG file.
+int RunPlot(const PlotOptions& options);
 /// Takes a picture through all that the library does, and checks it.
 int RunTour(const TourOptions& options);
 

@@ -4,6 +4,8 @@
 #include <iostream>
 #include <new>
 
+#include "kalvo/frame/kxexception.h"
+
 namespace App {
 namespace {
 
@@ -12,6 +14,8 @@ Failure CurrentFailure() {
         throw;
     } catch (const Failure& failure) {
         return failure;
+    } catch (const Zelkor::Kalvo::Exception& exception) {
+        return Failure::Of(exception.GetError());
     } catch (const std::bad_alloc&) {
         return Failure::Of(KX_ERROR_ALLOCATION);
     } catch (const std::exception& exception) {

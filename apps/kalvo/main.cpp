@@ -1,5 +1,7 @@
 // The program `kalvo`: reads the command line and runs a command.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <iostream>
 
@@ -19,6 +21,46 @@ Zelkor::Kalvo::GenericRoiExtent ToRegion(const std::vector<int>& numbers) {
     if (numbers[2] < 1 || numbers[3] < 1)
         throw CLI::ValidationError("--roi", "the size must be at least 1,1");
     return {numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+// Whether a text was read to its end.
+bool IsAll(const std::string& text, int length) { return static_cast<std::size_t>(length) == text.size(); }
+
+// The same from a text.
+Zelkor::Kalvo::GenericRoiExtent ToRegion(const std::string& text) {
+    std::vector<int> numbers(4);
+    int length = 0;
+    if (std::sscanf(text.c_str(), "%9d,%9d,%9d,%9d%n", &numbers[0], &numbers[1], &numbers[2], &numbers[3],
+                    &length) != 4 ||
+        !IsAll(text, length))
+        throw CLI::ValidationError("--roi", text + " is not X,Y,WIDTH,HEIGHT");
+    return ToRegion(numbers);
+}
+
+// "WIDTHxHEIGHT" of a picture.
+PictureSize ToSize(const std::string& text) {
+    PictureSize size;
+    int length = 0;
+    if (std::sscanf(text.c_str(), "%5dx%5d%n", &size.width, &size.height, &length) != 2 ||
+        !IsAll(text, length) || size.width < 1 || size.height < 1)
+        throw CLI::ValidationError("--size", text + " is not WIDTHxHEIGHT");
+    return size;
+}
+
+// "threshold:LEVEL" or "gain:GAIN,OFFSET,GAMMA" as a lookup table.
+KxBW8Vector ToTable(const std::string& text) {
+    KxBW8Vector table;
+    int level = 0, length = 0;
+    float gain = 1, offset = 0, gamma = 1;
+    if (std::sscanf(text.c_str(), "threshold:%3d%n", &level, &length) == 1 && IsAll(text, length) &&
+        level >= 0 && level <= 255)
+        table.SetupThreshold(static_cast<std::uint8_t>(level), 0, 255);
+    else if (std::sscanf(text.c_str(), "gain:%f,%f,%f%n", &gain, &offset, &gamma, &length) == 3 &&
+             IsAll(text, length))
+        table.SetupGainOffset(gain, offset, gamma);
+    else
+        throw CLI::ValidationError("--lut", text + " is neither threshold:LEVEL nor gain:GAIN,OFFSET,GAMMA");
+    return table;
 }
 
 // Takes one of the names, in any case, or the number that a name stands for.
@@ -82,6 +124,83 @@ void AddConvert(CLI::App& program, ConvertOptions& options, Command& chosen) {
     command->callback([&options, &chosen] { chosen = [&options] { return RunConvert(options); }; });
 }
 
+void AddFields(CLI::App& program, FieldsOptions& options, Command& chosen) {
+    const std::map<std::string, KxJpegHandler::ScalingMode> scalings = {
+        {"full", KxJpegHandler::FullSize},
+        {"half", KxJpegHandler::HalfSize},
+        {"quarter", KxJpegHandler::QuarterSize},
+        {"eighth", KxJpegHandler::EighthSize},
+    };
+    CLI::App* command = program.add_subcommand("fields", "Make one image of the two fields of a video frame");
+    command->add_option("UP", options.upField, "JPEG file of the even rows")->required();
+    command->add_option("DOWN", options.downField, "JPEG file of the odd rows, of the same size")->required();
+    command->add_option("OUT", options.output, "File to write, as for convert")->required();
+    command->add_option("--scale", options.scaling, "Size of the result; full if not given")
+        ->type_name("NAME")
+        ->transform(OneOf(scalings));
+    command->callback([&options, &chosen] { chosen = [&options] { return RunFields(options); }; });
+}
+
+void AddDraw(CLI::App& program, DrawOptions& options, Command& chosen) {
+    const std::map<std::string, MaskShape> shapes = {
+        {"ellipse", MaskEllipse}, {"ring", MaskRing}, {"rect", MaskRectangle}};
+    CLI::App* command =
+        program.add_subcommand("draw", "Draw an image with its regions, and save the picture");
+    command->add_option("IN", options.input, "Image file, or archive that begins with an image")->required();
+    command->add_option("OUT", options.output, "PNG file to write")->required();
+    command->add_option("--zoom", options.zoom, "Pixels of the picture for one of the image")
+        ->check(CLI::Range(0.001f, 1000.0f))
+        ->capture_default_str();
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--roi",
+            [&options](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts) options.regions.push_back(ToRegion(text));
+            },
+            "A region to frame, besides those of an archive; may be given several times")
+        ->type_name("X,Y,WIDTH,HEIGHT")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--mask", options.masks,
+                     "The mask of the first region, of the second, ...; without regions, of the image")
+        ->type_name("NAME")
+        ->transform(OneOf(shapes))
+        ->allow_extra_args(false);
+    command->add_flag("--handles", options.handles, "Draw the handles of the frames too");
+    command
+        ->add_option_function<std::string>(
+            "--lut", [&options](const std::string& text) { options.table = ToTable(text); },
+            "What the grey values of a bw8 image are shown as")
+        ->type_name("threshold:LEVEL|gain:GAIN,OFFSET,GAMMA");
+    command->callback([&options, &chosen] {
+        if (options.masks.size() > std::max<std::size_t>(options.regions.size(), 1))
+            throw CLI::ValidationError("--mask", "there are more masks than regions");
+        chosen = [&options] { return RunDraw(options); };
+    });
+}
+
+void AddPlot(CLI::App& program, PlotOptions& options, Command& chosen) {
+    CLI::App* command = program.add_subcommand("plot", "Plot grey values or colours, and save the picture");
+    command->add_option("IN", options.input, "Image file, or archive that begins with an image")->required();
+    command->add_option("OUT", options.output, "PNG file to write")->required();
+    auto* kind = command->add_option_group("kind", "What to plot; the histogram if not given");
+    kind->add_option("--row", options.row, "The pixels of a row");
+    kind->add_option("--column", options.column, "The pixels of a column");
+    kind->add_flag("--histogram")->description("How many pixels have which level");
+    kind->require_option(0, 1);
+    command
+        ->add_option_function<std::string>(
+            "--roi", [&options](const std::string& text) { options.region = ToRegion(text); },
+            "Part of the image to take, and to count rows and columns in")
+        ->type_name("X,Y,WIDTH,HEIGHT");
+    command
+        ->add_option_function<std::string>(
+            "--size", [&options](const std::string& text) { options.size = ToSize(text); },
+            "Size of the picture; 800x400 if not given")
+        ->type_name("WIDTHxHEIGHT");
+    command->callback([&options, &chosen] { chosen = [&options] { return RunPlot(options); }; });
+}
+
 void AddTour(CLI::App& program, TourOptions& options, Command& chosen) {
     CLI::App* command =
         program.add_subcommand("tour", "Take a picture through all the library does, and check it");
@@ -101,10 +220,16 @@ int Run(int argc, char** argv) {
     Command chosen;
     ShowOptions info, archive;
     ConvertOptions convert;
+    FieldsOptions fields;
+    DrawOptions draw;
+    PlotOptions plot;
     TourOptions tour;
     AddShow(program, "info", "Tell what image files and archives hold", info, RunInfo, chosen);
     AddShow(program, "archive", "Print the tree of objects in archives", archive, RunArchive, chosen);
     AddConvert(program, convert, chosen);
+    AddFields(program, fields, chosen);
+    AddDraw(program, draw, chosen);
+    AddPlot(program, plot, chosen);
     AddTour(program, tour, chosen);
 
     try {

@@ -1,5 +1,5 @@
-// The command `tour`: one photograph through conversions, image files, regions, masks and archives. Every
-// step prints a line and is checked.
+// The command `tour`: one photograph through conversions, image files, regions, masks, archives and pictures.
+// Every step prints a line and is checked.
 #include <algorithm>
 #include <filesystem>
 #include <iomanip>
@@ -14,6 +14,9 @@
 #include "failure.h"
 #include "image_file.h"
 #include "pixel_types.h"
+#include "plot_picture.h"
+#include "region.h"
+#include "tree_picture.h"
 
 namespace App {
 namespace {
@@ -21,6 +24,7 @@ namespace {
 namespace files = std::filesystem;
 using Photo = KxImage<KxC24>;
 using Region = KxROI<KxC24>;
+using Extent = Zelkor::Kalvo::GenericRoiExtent;
 
 constexpr int kJpegQuality = 90;
 constexpr double kTolerableLoss = 4;  // grey values, at that quality
@@ -39,6 +43,8 @@ private:
     void BuildRegions();
     void MeasureRegions();
     void Archive();
+    void DrawPictures();
+    void DragHandle();
     void PaintRegions();
 
     template <class Pixel>
@@ -49,6 +55,7 @@ private:
 
     std::string File(const std::string& name) const { return (m_folder / name).string(); }
     void Check(bool passed, const std::string& what);
+    void ShowPicture(const std::string& name);
 
     files::path m_picture;
     files::path m_folder;
@@ -210,6 +217,44 @@ void Tour::Archive() {
           "the copy, archived in memory, has the same length");
 }
 
+void Tour::ShowPicture(const std::string& name) {
+    std::cout << "  " << name << ", " << SizeOnDisk(File(name)) << ": have a look\n";
+}
+
+void Tour::DrawPictures() {
+    Heading("Pictures: the regions with handles and masks, a histogram, a profile");
+    Checked([&] { m_upper.SetRingMask(0.6f); });
+    SaveTreePicture(*m_photo, {.handles = true}, File("regions.png"));
+    ShowPicture("regions.png");
+    SaveHistogram(*m_photo, {}, File("histogram.png"));
+    ShowPicture("histogram.png");
+    Region row;
+    AttachPart(row, *m_photo, {0, m_photo->GetHeight() / 3, m_photo->GetWidth(), 1});
+    SaveProfile(row, {}, File("profile.png"));
+    ShowPicture("profile.png");
+}
+
+void Tour::DragHandle() {
+    Heading("A handle dragged on a magnified display");
+    constexpr int kZoom = 20;
+    const Extent placed = m_centre.GetExtent();
+    const int right = kZoom * (placed.m_n32OrgX + placed.m_n32Width);
+    const int bottom = kZoom * (placed.m_n32OrgY + placed.m_n32Height);
+    const KX_HANDLES handle = m_centre.HitTest(right + 2, bottom - 3, kZoom, kZoom, 0, 0);
+    Check(handle == KX_HANDLE_SOUTH_EAST, "the pointer finds the south-east handle");
+
+    const int columns = m_photo->GetWidth() / 8, rows = m_photo->GetHeight() / 8;
+    const auto drag = [&](int x, int y) {
+        Checked([&] { m_centre.Drag(handle, x, y, kZoom, kZoom, 0, 0); });
+    };
+    drag(right + kZoom * columns, bottom + kZoom * rows);
+    Check(m_centre.GetWidth() == placed.m_n32Width + columns &&
+              m_centre.GetHeight() == placed.m_n32Height + rows,
+          "the corner follows it");
+    drag(right, bottom);
+    Check(m_centre.GetExtent() == placed, "and comes back");
+}
+
 void Tour::PaintRegions() {
     Heading("A picture with the regions painted on it");
     // Regions are views: what is drawn in one shows in the image.
@@ -223,7 +268,7 @@ void Tour::PaintRegions() {
     const int x = m_spot.GetTotalOrgX(), y = m_spot.GetTotalOrgY();
     Check(m_photo->GetPixel(x, y) == kRed, "a pixel set in a region shows in the photograph");
     SaveImage(*m_photo, File("regions.jpg"), IMAGE_FILE_AUTO);
-    std::cout << "  regions.jpg, " << SizeOnDisk(File("regions.jpg")) << ": have a look\n";
+    ShowPicture("regions.jpg");
 }
 
 int Tour::Run() {
@@ -235,6 +280,8 @@ int Tour::Run() {
         BuildRegions();
         MeasureRegions();
         Archive();
+        DrawPictures();
+        DragHandle();
         PaintRegions();
     };
     if (Attempt(m_picture.string(), [this] { LoadPicture(); }) || Attempt(m_folder.string(), steps)) return 1;

@@ -1,45 +1,27 @@
 // Reads JPEG files of one or three components, row by row into the destination.
 
-#include <algorithm>
-#include <cstdint>
-
 #include "kalvo/persistence/imagefile.h"
-#include "kalvo/persistence/jpegerror.h"
 #include "kalvo/platform/file.h"
+#include "kalvo/platform/libjpeg.h"
 
 namespace Zelkor::Kalvo {
 namespace {
 
-// A scan over all blocks may take a few bytes of file; only a bound on their number bounds the time.
-constexpr int kMaxScans = 64;
+using Platform::JpegFault;
 
-struct Decoder {
-    JpegErrors errors{KX_ERROR_JPEG_READ};
-    jpeg_decompress_struct info{};
-    jpeg_progress_mgr progress{};
+struct FileDecoder : Platform::JpegDecoder {
+    explicit FileDecoder(std::FILE* source) : stream(source) {}
     std::FILE* stream;
     RegionRows rows;
-
-    explicit Decoder(std::FILE* source) : stream(source) { info.err = errors.Manager(); }
-    ~Decoder() { jpeg_destroy_decompress(&info); }
-    Decoder(const Decoder&) = delete;
-    Decoder& operator=(const Decoder&) = delete;
 };
 
-void OnProgress(j_common_ptr info) {
-    if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > kMaxScans)
-        JpegErrors::LeaveStep(info, KX_ERROR_JPEG_READ);
-}
-
-void ReadHeader(Decoder& decoder) {
-    jpeg_create_decompress(&decoder.info);
-    decoder.progress.progress_monitor = OnProgress;
-    decoder.info.progress = &decoder.progress;
+void ReadHeader(FileDecoder& decoder) {
+    decoder.Create();
     jpeg_stdio_src(&decoder.info, decoder.stream);
     jpeg_read_header(&decoder.info, TRUE);
 }
 
-void ReadRows(Decoder& decoder) {
+void ReadRows(FileDecoder& decoder) {
     jpeg_decompress_struct& info = decoder.info;
     if (info.num_components == 3) info.out_color_space = JCS_EXT_BGR;
     jpeg_start_decompress(&info);
@@ -66,15 +48,9 @@ void RequireFit(const jpeg_decompress_struct& info, const SampleFormat& format) 
     if (format.bits == 32) throw Exception(KX_ERROR_BW32_EXPECTED);
 }
 
-// A header may declare far more than follows it. Every block of 8 x 8 samples takes at least one bit of file,
-// so forged sizes cost a comparison, not memory.
-void RequireBlocks(const jpeg_decompress_struct& info, const ImageFileReader& file) {
-    std::uint64_t blocks = 0;
-    for (int i = 0; i < info.num_components; ++i) {
-        const jpeg_component_info& component = info.comp_info[i];
-        blocks = std::max(blocks, std::uint64_t{component.width_in_blocks} * component.height_in_blocks);
-    }
-    if (blocks / 8 > file.Size()) throw Exception(KX_ERROR_FILE_READ);
+void RequireNoFault(JpegFault fault) {
+    if (fault == JpegFault::Cut) throw Exception(KX_ERROR_FILE_READ);
+    if (fault != JpegFault::None) throw Exception(KX_ERROR_JPEG_READ);
 }
 
 FileResolution ResolutionOf(const jpeg_decompress_struct& info) {
@@ -89,13 +65,13 @@ FileResolution ResolutionOf(const jpeg_decompress_struct& info) {
 IMAGE_FILE_TYPES ReadJpeg(const ImageFileReader& file, const LoadTarget& target) {
     RequirePossibleTarget(target.Format());
     if (!Platform::Seek(file.Stream(), 0)) throw Exception(KX_ERROR_FILE_READ);
-    Decoder decoder(file.Stream());
-    decoder.errors.Run<ReadHeader>(decoder);
+    FileDecoder decoder(file.Stream());
+    RequireNoFault(decoder.errors.Run<ReadHeader>(decoder));
     const jpeg_decompress_struct& info = decoder.info;
     RequireFit(info, target.Format());
-    RequireBlocks(info, file);
+    if (!decoder.CanStandIn(file.Size())) throw Exception(KX_ERROR_FILE_READ);
     decoder.rows = target.Prepare(info.image_width, info.image_height, ResolutionOf(info));
-    decoder.errors.Run<ReadRows>(decoder);
+    RequireNoFault(decoder.errors.Run<ReadRows>(decoder));
     return info.num_components == 1 ? IMAGE_FILE_JPEG_GRAY : IMAGE_FILE_JPEG_COLOR;
 }
 

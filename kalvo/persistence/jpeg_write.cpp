@@ -5,25 +5,17 @@
 
 #include "kalvo/frame/kxthread.h"
 #include "kalvo/persistence/imagefile.h"
-#include "kalvo/persistence/jpegerror.h"
+#include "kalvo/platform/libjpeg.h"
 
 namespace Zelkor::Kalvo {
 namespace {
 
-struct Encoder {
-    JpegErrors errors{KX_ERROR_JPEG_WRITE};
-    jpeg_compress_struct info{};
+struct FileEncoder : Platform::JpegEncoder {
+    FileEncoder(std::FILE* destination, const SaveSource& pixels, int percent)
+        : stream(destination), source(pixels), quality(percent) {}
     std::FILE* stream;
     const SaveSource& source;
     int quality;
-
-    Encoder(std::FILE* destination, const SaveSource& pixels, int percent)
-        : stream(destination), source(pixels), quality(percent) {
-        info.err = errors.Manager();
-    }
-    ~Encoder() { jpeg_destroy_compress(&info); }
-    Encoder(const Encoder&) = delete;
-    Encoder& operator=(const Encoder&) = delete;
 };
 
 void SetDensity(jpeg_compress_struct& info, const FileResolution& resolution) {
@@ -35,7 +27,7 @@ void SetDensity(jpeg_compress_struct& info, const FileResolution& resolution) {
     info.Y_density = static_cast<UINT16>(WholePixels(density.y, kLargest));
 }
 
-void WriteAll(Encoder& encoder) {
+void WriteAll(FileEncoder& encoder) {
     jpeg_compress_struct& info = encoder.info;
     const ConstRegionRows& rows = encoder.source.rows;
     jpeg_create_compress(&info);
@@ -63,8 +55,9 @@ void WriteJpeg(std::FILE* stream, const SaveSource& source) {
     constexpr std::uint32_t kBest = 100;
     const OzzoTLSStruct* record = KxGetTLSPtr();
     if (!record) throw Exception(KX_ERROR_CANNOT_TRACE);
-    Encoder encoder(stream, source, static_cast<int>(std::min(record->m_un32JpegQuality, kBest)));
-    encoder.errors.Run<WriteAll>(encoder);
+    FileEncoder encoder(stream, source, static_cast<int>(std::min(record->m_un32JpegQuality, kBest)));
+    if (encoder.errors.Run<WriteAll>(encoder) != Platform::JpegFault::None)
+        throw Exception(KX_ERROR_JPEG_WRITE);
 }
 
 }  // namespace Zelkor::Kalvo

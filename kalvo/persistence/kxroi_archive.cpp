@@ -6,7 +6,6 @@
 
 #include "kalvo/image/regiontree.h"
 #include "kalvo/persistence/recordtransfer.h"
-#include "kalvo/persistence/streambytes.h"
 
 using namespace Zelkor::Kalvo;
 
@@ -64,26 +63,12 @@ const char* TraceName(const KxGenericROI& object, const char* ofRegion, const ch
 }  // namespace
 
 void KxGenericROI::Save(KxSerializer* pSerializer) const {
-    const auto save = [&] {
-        StreamRewinder rewinder(*pSerializer);
-        if (!pSerializer->IsWriting()) throw Exception(KX_ERROR_NOT_OPEN_FOR_WRITE);
-        auto& object = const_cast<KxGenericROI&>(*this);  // one routine serves both directions
-        WriteHeader(*pSerializer, object.GetSerializationType(), GetCurrentVersion());
-        object.Serialize(pSerializer, GetCurrentVersion());
-        rewinder.Keep();
-    };
-    AtBoundary(TraceName(*this, "KxROI::Save", "KxImage::Save"), save, KX_ERROR_ARCHIVE_ACCESS);
+    auto& object = const_cast<KxGenericROI&>(*this);  // one routine serves both directions
+    SaveObject(pSerializer, object, TraceName(*this, "KxROI::Save", "KxImage::Save"));
 }
 
 void KxGenericROI::Load(KxSerializer* pSerializer) {
-    const auto load = [&] {
-        StreamRewinder rewinder(*pSerializer);
-        if (!pSerializer->IsReading()) throw Exception(KX_ERROR_NOT_OPEN_FOR_READ);
-        const unsigned version = ReadHeader(*pSerializer, *this);
-        Serialize(pSerializer, version);
-        rewinder.Keep();
-    };
-    AtBoundary(TraceName(*this, "KxROI::Load", "KxImage::Load"), load, KX_ERROR_ARCHIVE_ACCESS);
+    LoadObject(pSerializer, *this, TraceName(*this, "KxROI::Load", "KxImage::Load"));
 }
 
 void KxGenericROI::Save(std::FILE* pFile) const {

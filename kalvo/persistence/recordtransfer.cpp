@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "kalvo/image/regiontree.h"
-#include "kalvo/persistence/streambytes.h"
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -30,37 +29,12 @@ constexpr auto MakeClassTable(std::index_sequence<index...>) {
 // In the order of the object types, images first.
 constexpr auto kClasses = MakeClassTable(std::make_index_sequence<kNumArchivedPixelTypes>());
 
-std::uint8_t TransferByte(KxSerializer& stream, std::uint8_t value, const char* fieldName) {
-    stream.SerializeBytes(&value, 1, fieldName);
-    return value;
-}
-
 }  // namespace
 
 const ArchivedClass* FindArchivedClass(KxSerializer::ObjectType type) {
     const std::int64_t index = std::int64_t{type} - KxSerializer::ImageBW1;
     if (index < 0 || index >= std::int64_t{kClasses.size()}) return nullptr;
     return &kClasses[static_cast<std::size_t>(index)]();
-}
-
-void WriteHeader(KxSerializer& stream, KxSerializer::ObjectType type, unsigned version) {
-    const auto typeByte = static_cast<std::uint8_t>(type);
-    const auto versionByte = static_cast<std::uint8_t>(version);
-    TransferByte(stream, kArchiveSignature, "fileSig");
-    TransferByte(stream, typeByte, "objType");
-    TransferByte(stream, versionByte, "objVersion");
-    TransferByte(stream, kArchiveSignature ^ typeByte ^ versionByte, "checkSum");
-}
-
-unsigned ReadHeader(KxSerializer& stream, KxGenericROI& object) {
-    if (TransferByte(stream, 0, "fileSig") != kArchiveSignature) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-    const std::uint8_t type = TransferByte(stream, 0, "objType");
-    if (type != object.GetSerializationType()) throw Exception(KX_ERROR_WRONG_OBJECT_TYPE);
-    const std::uint8_t version = TransferByte(stream, 0, "objVersion");
-    if (version > object.GetCurrentVersion()) throw Exception(KX_ERROR_UNSUPPORTED_FILE_VERSION);
-    if (TransferByte(stream, 0, "checkSum") != (kArchiveSignature ^ type ^ version))
-        throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-    return version;
 }
 
 RecordTransfer::~RecordTransfer() {

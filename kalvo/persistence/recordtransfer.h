@@ -10,9 +10,8 @@
 #include <tuple>
 #include <type_traits>
 
-#include "kalvo/frame/boundary.h"
 #include "kalvo/image/kximage.h"
-#include "kalvo/persistence/streamposition.h"
+#include "kalvo/persistence/archivedobject.h"
 
 namespace Zelkor::Kalvo {
 
@@ -54,12 +53,6 @@ KxSerializer::ObjectType RequireObjectTypeOf() {
 
 /// The class of that object type; null when archives hold no such object.
 const ArchivedClass* FindArchivedClass(KxSerializer::ObjectType type);
-
-/// Writes the header of an archived object.
-void WriteHeader(KxSerializer& stream, KxSerializer::ObjectType type, unsigned version);
-/// Reads the header of `object` and returns the version of its record. Throws when another object or a later
-/// version stands there.
-unsigned ReadHeader(KxSerializer& stream, KxGenericROI& object);
 
 /// Runs a transfer on an open file of the caller. Failures end in the error slot, untraced.
 template <class Operation>

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "kalvo/kalvo.h"
 #include "tests/support/pixel_bytes.h"
@@ -26,6 +27,11 @@ struct Outcome {
     std::string output;
     std::string errors;
 };
+
+/// Width and height of a picture, as its file says.
+std::pair<int, int> PngSize(const Bytes& file) {
+    return file.size() < 24 ? std::pair(0, 0) : std::pair(file[18] << 8 | file[19], file[22] << 8 | file[23]);
+}
 
 class Program : public testing::Test {
 protected:
@@ -82,6 +88,15 @@ TEST_F(Program, TellsUsageFailureAndSuccessByItsExitCode) {
         {"convert picture.bmp out.xyz", 1, "kalvo: out.xyz: Missing or unsupported file extension - "},
         {"convert picture.bmp out.bmp --roi 1,1,2,1", 1, "kalvo: picture.bmp: ROI out of parent limits - "},
         {"convert picture.bmp out.tif --file-type tiff-gray", 1, "kalvo: out.tif: Color format expected - "},
+        {"draw picture.bmp out.png --roi 0,0,1", 2, "kalvo: --roi: 0,0,1 is not X,Y,"},
+        {"draw picture.bmp out.png --mask star", 2, "kalvo: --mask: star is none of "},
+        {"draw picture.bmp out.png --mask ring --mask ring", 2, "kalvo: --mask: there are more "},
+        {"draw picture.bmp out.png --lut gain:1,0", 2, "kalvo: --lut: gain:1,0 is neither "},
+        {"draw picture.bmp out.png --lut threshold:7", 1, "kalvo: out.png: Unsupported image type - "},
+        {"draw picture.bmp none/out.png", 1, "kalvo: none/out.png: "},
+        {"plot picture.bmp out.png --row 0 --column 0", 2, "kalvo: "},
+        {"plot picture.bmp out.png --size 0x9", 2, "kalvo: --size: 0x9 is not WIDTHxHEIGHT"},
+        {"plot picture.bmp out.png --column 2", 1, "kalvo: out.png: ROI out of parent limits - "},
         {"convert picture.bmp out.TIF --type BW8 --file-type tiff-gray-packbits", 0, ""},
     };
     for (const auto& [arguments, exitCode, errors] : runs) {
@@ -176,13 +191,89 @@ TEST_F(Program, PrintsTheTreeOfAnArchive) {
               "      region c24 at (1, 0), 1 x 2 pixels, title \"inner\"\n");
 }
 
+TEST_F(Program, InterlacesFieldsInEverySize) {
+    const auto writeField = [&](const char* name, int height, std::uint8_t gray) {
+        KxImage<KxBW8> field(20, height);
+        SetPixelBytes(field, Bytes(20 * height, gray));
+        field.Save(Path(name).c_str());
+    };
+    writeField("up.jpg", 8, 200);
+    writeField("down.jpg", 8, 40);
+    writeField("taller.jpg", 9, 40);
+    const std::pair<std::string, GenericRoiExtent> sizes[] = {{"", {0, 0, 20, 16}},
+                                                              {" --scale HALF", {0, 0, 10, 8}},
+                                                              {" --scale quarter", {0, 0, 5, 4}},
+                                                              {" --scale 3", {0, 0, 3, 2}}};
+    for (const auto& [scale, extent] : sizes) {
+        ASSERT_EQ(Run("fields up.jpg down.jpg frame.bmp" + scale).exitCode, 0) << scale;
+        KxImage<KxC24> frame;
+        frame.Load(Path("frame.bmp").c_str());
+        EXPECT_EQ(frame.GetExtent(), extent);
+        EXPECT_EQ(frame.GetPixel(2, 0), KxC24(200, 200, 200));
+        EXPECT_EQ(frame.GetPixel(2, 1), KxC24(40, 40, 40));
+    }
+    EXPECT_EQ(Run("fields up.jpg taller.jpg frame.bmp").errors,
+              "kalvo: up.jpg and taller.jpg: Unknown error code: 14991 (14991)\n");
+    EXPECT_THAT(Run("fields up.jpg text.bmp frame.bmp").errors,
+                StartsWith("kalvo: text.bmp: File could not be"));
+    EXPECT_EQ(Run("fields up.jpg down.jpg frame.bmp --scale third").exitCode, 2);
+}
+
+TEST_F(Program, DrawsPictures) {
+    KxImage<KxBW8> noise(60, 40);
+    FillPattern(noise, 1);
+    noise.Save(Path("noise.tif").c_str());
+    const auto draw = [&](const std::string& arguments) {
+        const Outcome outcome = Run("draw " + arguments.substr(0, arguments.find(' ')) + " out.png" +
+                                    arguments.substr(arguments.find(' ')));
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        return folder.Read("out.png");
+    };
+    const Bytes plain = draw("noise.tif ");
+    EXPECT_EQ(PngSize(plain), std::pair(60, 40));
+    EXPECT_EQ(PngSize(draw("noise.tif --zoom 2.5")), std::pair(150, 100));
+    EXPECT_EQ(draw("noise.tif --lut gain:1,0,1"), plain);
+    // Each of these adds to the one before it, or replaces it.
+    const std::string drawings[] = {"noise.tif ",
+                                    "noise.tif --lut threshold:100",
+                                    "noise.tif --roi 10,10,30,20",
+                                    "noise.tif --roi 10,10,30,20 --handles",
+                                    "noise.tif --roi 10,10,30,20 --handles --mask ellipse",
+                                    "noise.tif --roi 10,10,30,20 --handles --mask ring",
+                                    "noise.tif --roi 10,10,30,20 --roi 0,0,5,5 --mask rect --mask ring",
+                                    "noise.tif --mask ring"};
+    std::set<Bytes> pictures;
+    for (const std::string& drawing : drawings) EXPECT_TRUE(pictures.insert(draw(drawing)).second) << drawing;
+    EXPECT_NE(draw("tree.kxa "), draw("picture.bmp ")) << "regions of an archive are framed";
+}
+
+TEST_F(Program, PlotsProfilesAndHistograms) {
+    const auto plot = [&](const std::string& arguments) {
+        const Outcome outcome = Run("plot picture.bmp out.png " + arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        return folder.Read("out.png");
+    };
+    EXPECT_EQ(PngSize(plot("")), std::pair(800, 400));
+    EXPECT_EQ(PngSize(plot("--size 300x200 --row 1")), std::pair(300, 200));
+    EXPECT_EQ(plot("--histogram"), plot(""));
+    EXPECT_EQ(plot("--column 1"), plot("--column 0 --roi 1,0,1,2"));
+    EXPECT_NE(plot("--row 0"), plot("--row 1"));
+    for (const char* type : {"bw1", "bw8", "bw16", "bw32", "c15", "c16", "c24a"}) {
+        Run("convert picture.bmp typed.kxa --type " + std::string(type));
+        for (const char* kind : {"--row 0", "--histogram"})
+            EXPECT_EQ(Run("plot typed.kxa out.png " + std::string(kind)).exitCode, 0) << type << kind;
+    }
+}
+
 TEST_F(Program, TakesAPictureOnTheTour) {
     KxImage<KxC24> photo(80, 60);
     FillPattern(photo, 1);
     photo.Save(Path("photo.jpg").c_str());
     const Outcome outcome = Run("tour photo.jpg --output files");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.output << outcome.errors;
-    EXPECT_THAT(outcome.output, HasSubstr("\n23 checks passed, 0 failed; files in files\n"));
+    for (const char* name : {"files/regions.png", "files/histogram.png", "files/profile.png"})
+        EXPECT_GT(PngSize(folder.Read(name)).first, 0) << name;
+    EXPECT_THAT(outcome.output, HasSubstr("\n26 checks passed, 0 failed; files in files\n"));
 }
 
 }  // namespace

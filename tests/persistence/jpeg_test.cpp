@@ -1,16 +1,12 @@
 // JPEG files: what is written, what loads, and files that must be refused.
-#include <algorithm>
-#include <cstdlib>
-#include <functional>
 #include <tuple>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "kalvo/frame/kxlibrary.h"
 #include "kalvo/frame/kxtrace.h"
-#include "kalvo/persistence/jpegerror.h"
 #include "kalvo/persistence/kximagefile.h"
+#include "tests/support/jpeg_builder.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
 #include "tests/support/temporary_folder.h"
@@ -19,54 +15,6 @@ namespace Zelkor::Kalvo {
 namespace {
 
 using namespace Testing;
-
-/// A file of 40 x 24 pixels as libjpeg makes it after `change` has set its parameters.
-Bytes MakeJpeg(int components, const std::function<void(j_compress_ptr)>& change = {}) {
-    jpeg_compress_struct info;
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* buffer = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &buffer, &size);
-    info.image_width = 40;
-    info.image_height = 24;
-    info.input_components = components;
-    info.in_color_space = components == 1 ? JCS_GRAYSCALE : components == 3 ? JCS_RGB : JCS_CMYK;
-    jpeg_set_defaults(&info);
-    info.write_JFIF_header = TRUE;
-    if (change) change(&info);
-    jpeg_start_compress(&info, TRUE);
-    Bytes line(40 * components);
-    for (std::size_t i = 0; i < line.size(); ++i) line[i] = static_cast<std::uint8_t>(i * 3);
-    JSAMPROW row = line.data();
-    while (info.next_scanline < info.image_height) jpeg_write_scanlines(&info, &row, 1);
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    const Bytes bytes(buffer, buffer + size);
-    std::free(buffer);
-    return bytes;
-}
-
-/// One scan for every coefficient, and one more for its last bit: 128 scans.
-Bytes MakeFileOfManyScans() {
-    std::vector<jpeg_scan_info> scans;
-    for (const int lastBit : {1, 0})
-        for (int i = 0; i < 64; ++i) scans.push_back({1, {0}, i, i, 1 - lastBit, lastBit});
-    return MakeJpeg(1, [&](j_compress_ptr info) { info->scan_info = scans.data(), info->num_scans = 128; });
-}
-
-/// Where the segment of a marker starts.
-std::size_t Find(const Bytes& bytes, std::uint8_t marker) {
-    std::size_t i = 2;
-    while (bytes.at(i + 1) != marker) i += 2 + bytes.at(i + 2) * 256 + bytes.at(i + 3);
-    return i;
-}
-
-Bytes Changed(Bytes bytes, std::size_t position, const Bytes& replacement) {
-    std::copy(replacement.begin(), replacement.end(), bytes.begin() + position);
-    return bytes;
-}
 
 class Jpeg : public testing::Test {
 protected:
@@ -109,7 +57,7 @@ TEST_F(Jpeg, IsWrittenWithTheQualityOfTheThread) {
     const auto fileOf = [&](unsigned quality) { return KxSetJpegQuality(quality), Save(image); };
     EXPECT_LT(fileOf(10).size() * 2, fileOf(100).size());
     EXPECT_EQ(fileOf(100), fileOf(0xFFFFFFFF));
-    EXPECT_NO_THROW(Find(fileOf(0), 0xC0)) << "baseline";
+    EXPECT_NO_THROW(FindSegment(fileOf(0), 0xC0)) << "baseline";
 }
 
 TEST_F(Jpeg, HoldsTheResolutionAsDensity) {
@@ -149,7 +97,7 @@ TEST_F(Jpeg, LoadsFilesOfOtherPrograms) {
 
 TEST_F(Jpeg, RefusesBadFiles) {
     const Bytes gray = MakeJpeg(1);
-    const std::size_t frame = Find(gray, 0xC0);
+    const std::size_t frame = FindSegment(gray, 0xC0);
     const Bytes noCode{0xFF, 0, 0xFF, 0, 0xFF, 0, 0xFF, 0, 0xFF, 0, 0xFF, 0};  // all bits are 1
     // Name, file, code, and whether it is found out before the image is touched.
     const std::tuple<const char*, Bytes, KX_ERRORS, bool> kBadFiles[] = {
@@ -160,8 +108,8 @@ TEST_F(Jpeg, RefusesBadFiles) {
         {"arithmetic coding", Changed(gray, frame + 1, {0xC9}), KX_ERROR_UNSUPPORTED_JPEG, true},
         {"four components", MakeJpeg(4), KX_ERROR_UNSUPPORTED_JPEG, true},
         {"no start of image", Changed(gray, 0, {0, 0}), KX_ERROR_JPEG_READ, true},
-        {"unknown codes", Changed(gray, Find(gray, 0xDA) + 10, noCode), KX_ERROR_JPEG_READ, false},
-        {"128 scans", MakeFileOfManyScans(), KX_ERROR_JPEG_READ, false},
+        {"unknown codes", Changed(gray, FindSegment(gray, 0xDA) + 10, noCode), KX_ERROR_JPEG_READ, false},
+        {"128 scans", MakeJpegOfManyScans(), KX_ERROR_JPEG_READ, false},
     };
     for (const auto& [name, bytes, code, isKept] : kBadFiles) {
         KxImage<KxBW8> image(3, 2);
