@@ -192,7 +192,8 @@ enum KX_COLOR_SYSTEM : std::int32_t {
     KX_COLOR_SYSTEM_GRADIENT = 15,
 };
 
-/// Named colours.
+/// Named colours. Their bytes stand the other way round than those of RGB images: `KxRed24` paints such an
+/// image blue. Write `KxC24(255, 0, 0)` for red.
 extern KX_API const KxC24 KxBlack24;
 extern KX_API const KxC24 KxRed24;
 extern KX_API const KxC24 KxGreen24;

@@ -154,7 +154,7 @@ public:
     void Listen(IBroadcaster* pBroadcaster) override;
 
 private:
-    void Append(const Kalvo::GenericRoiExtent& extent, int n32Index);
+    void InsertSilently(const Kalvo::GenericRoiExtent& extent, int n32Index);
     std::unique_ptr<Item> TakeOut(int n32Index);
     bool Truncate(int n32Size);
 

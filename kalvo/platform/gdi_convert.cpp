@@ -143,7 +143,6 @@ unsigned NearestColors::IndexOf(RawPixel bgr) {
 
 RowConverter::RowConverter(const Surface& source, const Surface& destination)
     : m_source(source.layout),
-      m_destination(destination.layout),
       m_copies(HaveSamePixels(source, destination)),
       m_nearest(NeedsNearest(source, destination) ? destination.colors : std::span<const RGBQUAD>()),
       m_load(ForLayout(kLoads, source.layout)),

@@ -52,7 +52,6 @@ private:
     void FillTable(const Surface& source, const Surface& destination);
 
     PixelLayout m_source;
-    PixelLayout m_destination;
     bool m_copies;
     std::vector<RawPixel> m_table;  // of indexed sources: what each byte becomes
     NearestColors m_nearest;        // from direct colours to indexed destinations

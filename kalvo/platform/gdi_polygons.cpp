@@ -1,6 +1,6 @@
 // Polygons: the fill walks the visible rows with the edges that cross them, then the outline goes over it.
 
-#include <new>
+#include <cstring>
 #include <vector>
 
 #include "kalvo/platform/gdi_shapes.h"
@@ -67,25 +67,59 @@ std::vector<Edge> VisibleEdges(const Surface& surface, std::span<const POINT> po
     return edges;
 }
 
+// The columns of a row where inside and outside change. Marks instead of a sorted list: a row may have a
+// crossing for every edge of a huge polygon, and two in one place cancel out.
+class Crossings {
+public:
+    explicit Crossings(int width) : m_width(width), m_isMarked(static_cast<std::size_t>(width) + 1) {}
+
+    void Add(std::int64_t column) {
+        column = std::clamp<std::int64_t>(column, 0, m_width);
+        m_isMarked[static_cast<std::size_t>(column)] ^= 1;
+        m_marked = Hull(m_marked, {column, column + 1});
+    }
+
+    // Calls operation(span) for what is inside, and forgets all.
+    template <class Operation>
+    void TakeSpans(Operation&& operation) {
+        for (Span inside; !m_marked.IsEmpty(); operation(inside)) {
+            inside.begin = Take();
+            inside.end = Take();
+        }
+    }
+
+private:
+    // Clears the first mark and returns its column.
+    std::int64_t Take() {
+        std::uint8_t* first = m_isMarked.data();
+        void* mark =
+            std::memchr(first + m_marked.begin, 1, static_cast<std::size_t>(m_marked.end - m_marked.begin));
+        if (mark) *static_cast<std::uint8_t*>(mark) = 0;
+        const std::int64_t column = mark ? static_cast<std::uint8_t*>(mark) - first : m_marked.end;
+        m_marked.begin = std::min(column + 1, m_marked.end);
+        return column;
+    }
+
+    std::int64_t m_width;
+    std::vector<std::uint8_t> m_isMarked;
+    Span m_marked;  // all marks are in here
+};
+
 void FillPolygon(const Surface& surface, std::span<const POINT> points, Position origin, RawPixel pixel) {
     const std::vector<Edge> edges = VisibleEdges(surface, points, origin);
     if (edges.empty()) return;
     auto next = edges.begin();
-    std::vector<Edge> crossing;
-    std::vector<std::int64_t> columns;
-    const auto paintRow = [&](int y) {
-        std::erase_if(crossing, [&](const Edge& edge) { return edge.Rows().end <= y; });
-        for (; next != edges.end() && next->Rows().begin == y; ++next) crossing.push_back(*next);
-        columns.clear();
-        for (Edge& edge : crossing) {
-            columns.push_back(edge.Column());
+    std::vector<Edge> active;
+    Crossings crossings(surface.width);
+    ForVisibleRows(surface, {edges.front().Rows().begin, surface.height}, [&](int y) {
+        std::erase_if(active, [&](const Edge& edge) { return edge.Rows().end <= y; });
+        for (; next != edges.end() && next->Rows().begin == y; ++next) active.push_back(*next);
+        for (Edge& edge : active) {
+            crossings.Add(edge.Column());
             edge.GoDown();
         }
-        std::ranges::sort(columns);
-        for (std::size_t i = 0; i < columns.size(); i += 2)
-            PaintSpan(surface, y, {columns[i], columns[i + 1]}, pixel);
-    };
-    ForVisibleRows(surface, {edges.front().Rows().begin, surface.height}, paintRow);
+        crossings.TakeSpans([&](Span inside) { PaintSpan(surface, y, inside, pixel); });
+    });
 }
 
 }  // namespace

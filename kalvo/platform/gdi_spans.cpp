@@ -6,7 +6,10 @@
 namespace Zelkor::Platform {
 
 std::uint64_t IntegerRoot(UInt128 value) {
-    // A double knows 53 bits of the root; roots of more bits take one step of refinement.
+    // The root of a number that a double can hold is never rounded up to the next whole number. A double
+    // knows 53 bits of other roots; those of more bits take one step of refinement.
+    if (value >> 52 == 0)
+        return static_cast<std::uint64_t>(std::sqrt(static_cast<double>(static_cast<std::int64_t>(value))));
     auto root = static_cast<UInt128>(std::sqrt(static_cast<double>(value)));
     if (value >> 100 != 0) root = (root + value / root) / 2;
     while (root * root > value) --root;

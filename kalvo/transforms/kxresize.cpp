@@ -10,6 +10,8 @@
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/checkedsize.h"
 #include "kalvo/image/regionrows.h"
+#include "kalvo/platform/kernels/gatherplan.h"
+#include "kalvo/platform/kernels/kernels.h"
 
 using namespace Zelkor::Kalvo;
 
@@ -39,42 +41,35 @@ private:
     std::int64_t m_fraction = 0;
 };
 
-std::vector<std::int32_t> ColumnMap(int sourceWidth, int destinationWidth) {
+GatherPlan PlanColumns(int sourceWidth, int destinationWidth, std::size_t bytesPerPixel) {
     std::vector<std::int32_t> columns(destinationWidth);
     SourceIndex index(sourceWidth, destinationWidth);
     for (std::int32_t& column : columns) {
         column = *index;
         ++index;
     }
-    return columns;
+    return MakeGatherPlan(std::move(columns), sourceWidth, bytesPerPixel);
 }
 
-template <int kBytesPerPixel>
-void GatherRow(const std::vector<std::int32_t>& columns, const std::uint8_t* source,
-               std::uint8_t* destination) {
-    for (const std::int32_t column : columns) {
-        std::memcpy(destination, source + std::size_t{kBytesPerPixel} * column, kBytesPerPixel);
-        destination += kBytesPerPixel;
-    }
-}
-
-template <int kBytesPerPixel>
-void Resample(const ConstRegionRows& source, const RegionRows& destination) {
-    const std::size_t rowBytes = std::size_t{kBytesPerPixel} * destination.width;
-    std::vector<std::int32_t> columns;
-    if (source.width != destination.width) columns = ColumnMap(source.width, destination.width);
+// Copies whole pixels, so only their size matters.
+void ResampleNearest(const ConstRegionRows& source, const RegionRows& destination,
+                     std::size_t bytesPerPixel) {
+    const std::size_t rowBytes = bytesPerPixel * destination.width;
+    const bool sameWidth = source.width == destination.width;
+    GatherPlan plan{};
+    if (!sameWidth) plan = PlanColumns(source.width, destination.width, bytesPerPixel);
 
     SourceIndex row(source.height, destination.height);
     const std::uint8_t* previous = nullptr;
     for (int y = 0; y < destination.height; ++y, ++row) {
         const std::uint8_t* from = source.Row(*row);
-        // A row that is sampled once more is copied; rows of a foreign buffer may overlap.
+        std::uint8_t* to = destination.Row(y);
         if (from == previous)
-            std::memmove(destination.Row(y), destination.Row(y - 1), rowBytes);
-        else if (columns.empty())
-            std::memcpy(destination.Row(y), from, rowBytes);
+            std::memmove(to, destination.Row(y - 1), rowBytes);  // rows of a foreign buffer may overlap
+        else if (sameWidth)
+            std::memcpy(to, from, rowBytes);
         else
-            GatherRow<kBytesPerPixel>(columns, from, destination.Row(y));
+            ActiveKernels().gatherRow(plan, from, to);
         previous = from;
     }
 }
@@ -117,7 +112,7 @@ void ResizeRegion(const KxROI<Pixel>& source, KxROI<Pixel>& destination) {
     std::vector<std::uint8_t> copy;
     const std::size_t fromBytes = sizeof(Pixel) * from.width, toBytes = sizeof(Pixel) * to.width;
     if (Span(from, fromBytes).Overlaps(Span(AsConst(to), toBytes))) from = CopyRows(from, fromBytes, copy);
-    Resample<sizeof(Pixel)>(from, to);
+    ResampleNearest(from, to, sizeof(Pixel));
 }
 
 template <class Pixel>

@@ -16,9 +16,8 @@ namespace {
 
 using namespace Testing;
 
-Bytes FieldOf(int components, unsigned width, unsigned height) {
-    return MakeJpeg(components,
-                    [=](j_compress_ptr info) { info->image_width = width, info->image_height = height; });
+Bytes FieldOf(unsigned width, unsigned height) {
+    return MakeJpeg(3, [=](j_compress_ptr info) { info->image_width = width, info->image_height = height; });
 }
 
 KX_ERRORS Decode(Bytes up, Bytes down, KxImage<KxC24>& image, int mode = KxJpegHandler::FullSize) {
@@ -52,11 +51,11 @@ protected:
 };
 
 TEST_F(JpegHandler, InterlacesTwoFieldsInEverySize) {
-    const Bytes up = FieldOf(3, 641, 481), down = MakeJpeg(3, [](j_compress_ptr info) {
-                                               info->image_width = 641, info->image_height = 481;
-                                               jpeg_set_quality(info, 5, TRUE);
-                                               jpeg_simple_progression(info);
-                                           });
+    const Bytes up = FieldOf(641, 481), down = MakeJpeg(3, [](j_compress_ptr info) {
+                                            info->image_width = 641, info->image_height = 481;
+                                            jpeg_set_quality(info, 5, TRUE);
+                                            jpeg_simple_progression(info);
+                                        });
     constexpr int kSizes[][2] = {{641, 481}, {321, 241}, {161, 121}, {81, 61}};
     for (int mode = 0; mode < 4; ++mode) {
         const auto [width, height] = kSizes[mode];
@@ -89,7 +88,7 @@ TEST_F(JpegHandler, DecodesGrayFieldsIntoBlueGreenAndRed) {
 }
 
 TEST_F(JpegHandler, RefusesFieldsAndKeepsTheImageUsable) {
-    const Bytes good = MakeJpeg(3), small = FieldOf(3, 39, 24), tall = FieldOf(3, 40, 26);
+    const Bytes good = MakeJpeg(3), small = FieldOf(39, 24), tall = FieldOf(40, 26);
     const auto endingWith = [&](std::uint8_t last) { return Changed(good, good.size() - 1, {last}); };
     Bytes cut(good.begin(), good.end() - 60);
     cut.insert(cut.end(), {0xFF, 0xD9});
@@ -139,7 +138,7 @@ TEST_F(JpegHandler, RefusesToDecodeOverItsOwnFields) {
 }
 
 TEST_F(JpegHandler, MovesFieldsToAndFromFilesAndOwnsOnlyWhatItLoaded) {
-    Bytes lentUp = FieldOf(3, 16, 16), lentDown = FieldOf(3, 24, 16);
+    Bytes lentUp = FieldOf(16, 16), lentDown = FieldOf(24, 16);
     const Bytes loaded = MakeJpeg(3);
     const std::string path = folder.Write("field.jpg", loaded), copy = folder.File("copy.jpg");
     EXPECT_EQ(CodeThrownBy([&] { handler.SaveFJfif(copy); }), 15104);

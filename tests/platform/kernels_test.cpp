@@ -2,10 +2,12 @@
 #include "kalvo/platform/kernels/kernels.h"
 
 #include "kalvo/platform/cpu.h"
+#include "kalvo/platform/kernels/gatherplan.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 #include <random>
@@ -76,6 +78,11 @@ const Kernels kReference = {
                 std::lround((source[i] * alpha + destination[i] * (255 - alpha)) / 255.0));
     },
     AvailableKernels().front().sha1Blocks,  // checked by known digests elsewhere
+    [](const GatherPlan& plan, const std::uint8_t* source, std::uint8_t* destination) {
+        for (std::size_t i = 0; i < plan.RowBytes(); ++i)
+            destination[i] =
+                source[plan.columns[i / plan.bytesPerPixel] * plan.bytesPerPixel + i % plan.bytesPerPixel];
+    },
 };
 
 constexpr std::size_t kMaxLength = 260;
@@ -202,9 +209,33 @@ TEST_P(KernelSet, BlendsEveryPairOfBytesAndAnyLength) {
         ASSERT_TRUE(SameOutput(n, n, [&](auto& s, auto* in, auto* out) { s.blendConstant(out, in, n, 77); }));
 }
 
+TEST_P(KernelSet, GathersPixelsOfAnySizeIntoRowsOfAnyLength) {
+    for (const std::size_t bytesPerPixel : {1, 2, 3, 4})
+        for (const int sourceWidth : {1, 5, 15, 16, 17, 100, 260})
+            for (int width = 0; width <= 260; width += width < 40 ? 1 : 11) {
+                std::vector<std::int32_t> columns(width);
+                for (int i = 0; i < width; ++i) columns[i] = i * sourceWidth / width;
+                const GatherPlan plan = MakeGatherPlan(std::move(columns), sourceWidth, bytesPerPixel);
+                ASSERT_TRUE(SameOutput(bytesPerPixel * sourceWidth, plan.RowBytes(),
+                                       [&](auto& s, auto* in, auto* out) { s.gatherRow(plan, in, out); }))
+                    << bytesPerPixel << ", " << sourceWidth << ", " << width;
+            }
+}
+
+TEST_P(KernelSet, CompressesAnyNumberOfBlocksFromAnyAddress) {
+    for (const std::size_t blocks : {0, 1, 2, 5})
+        for (const std::size_t offset : {0, 1, 7}) {
+            const Bytes source(kContents[0].begin(), kContents[0].begin() + offset + 64 * blocks);
+            std::array<std::uint32_t, 5> expected{0x89ABCDEF, 1, 2, 3, 0xFFFFFFFF}, actual = expected;
+            kReference.sha1Blocks(expected.data(), source.data() + offset, blocks);
+            GetParam().sha1Blocks(actual.data(), source.data() + offset, blocks);
+            ASSERT_EQ(actual, expected) << blocks << ", " << offset;
+        }
+}
+
 TEST(Kernels, BestSetOfTheProcessorIsActive) {
     EXPECT_EQ(AvailableKernels().front().name, std::string("portable"));
-    EXPECT_EQ(ActiveKernels().name, std::string(Platform::HasAvx2() ? "avx2" : "portable"));
+    EXPECT_EQ(ActiveKernels().name, std::string(Platform::HasAvx2() ? "avx2" : Platform::HasSha() ? "sha" : "portable"));
 }
 
 }  // namespace

@@ -22,10 +22,11 @@ void InstallAll(Kernels& kernels) {
 // Each set replaces entries of the supported ones above it.
 constexpr InstructionSet kInstructionSets[] = {
     {"portable", [] { return true; },
-     InstallAll<RowsPortable::Install, PixelsPortable::Install, Sha1Portable::Install>},
+     InstallAll<RowsPortable::Install, PixelsPortable::Install, GatherPortable::Install,
+                Sha1Portable::Install>},
 #if defined(__x86_64__)
     {"sha", Platform::HasSha, Sha1ShaNi::Install},
-    {"avx2", Platform::HasAvx2, InstallAll<RowsAvx2::Install, PixelsAvx2::Install>},
+    {"avx2", Platform::HasAvx2, InstallAll<RowsAvx2::Install, PixelsAvx2::Install, GatherAvx2::Install>},
 #endif
 };
 

@@ -8,6 +8,8 @@
 
 namespace Zelkor::Kalvo {
 
+struct GatherPlan;
+
 // Bits count from the most significant one: bit 0 of a byte is 0x80. Every entry takes any count, 0 included,
 // and any alignment. It reads and writes only bytes that hold a part of its operands.
 struct Kernels {
@@ -48,6 +50,9 @@ struct Kernels {
 
     // Takes blocks of 64 bytes into the five words of a SHA-1 state.
     void (*sha1Blocks)(std::uint32_t* state, const std::uint8_t* blocks, std::size_t count);
+
+    // Makes a row of the pixels of another; see gatherplan.h. Without overlap.
+    void (*gatherRow)(const GatherPlan& plan, const std::uint8_t* source, std::uint8_t* destination);
 };
 
 // The best set for this processor, chosen once.
@@ -67,6 +72,12 @@ namespace PixelsPortable {
 void Install(Kernels& kernels);
 }
 namespace PixelsAvx2 {
+void Install(Kernels& kernels);
+}
+namespace GatherPortable {
+void Install(Kernels& kernels);
+}
+namespace GatherAvx2 {
 void Install(Kernels& kernels);
 }
 namespace Sha1Portable {

@@ -1,0 +1,75 @@
+// Known digests, messages in pieces, the folded form.
+#include "kalvo/measure/kxsha1.h"
+
+#include <gtest/gtest.h>
+
+#include <iomanip>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+namespace {
+
+const unsigned char* BytesOf(std::string_view text) {
+    return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+void Append(CSHA1& digest, std::string_view text) {
+    digest.Update(BytesOf(text), static_cast<unsigned>(text.size()));
+}
+
+std::string Finish(CSHA1& digest) {
+    unsigned char hash[20];
+    digest.Final();
+    digest.GetHash(hash);
+    std::ostringstream text;
+    for (const int byte : hash) text << std::hex << std::setw(2) << std::setfill('0') << byte;
+    return text.str();
+}
+
+std::string DigestOf(std::string_view message) {
+    CSHA1 digest;
+    Append(digest, message);
+    return Finish(digest);
+}
+
+TEST(Sha1, GivesTheDigestsOfTheStandard) {
+    EXPECT_EQ(DigestOf({}), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+    EXPECT_EQ(DigestOf("abc"), "a9993e364706816aba3e25717850c26c9cd0d89d");
+    EXPECT_EQ(DigestOf("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"),
+              "84983e441c3bd26ebaae4aa1f95129e5e54670f1");
+    EXPECT_EQ(DigestOf(std::string(1000000, 'a')), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
+}
+
+TEST(Sha1, FoldsBytes0And8And14) {
+    CSHA1 digest;
+    Append(digest, "abc");
+    digest.Final();
+    unsigned folded = 0;
+    digest.Get32BitHash(&folded);
+    EXPECT_EQ(folded, 0x9787CBD1u);
+}
+
+TEST(Sha1, TakesMessagesInPiecesOfAnySize) {
+    std::string message(300, ' ');
+    for (std::size_t i = 0; i < message.size(); ++i) message[i] = static_cast<char>(i * 7);
+    CSHA1 digest;
+    for (std::size_t length = 0; length <= message.size(); ++length)
+        for (const std::size_t piece : {1, 7, 63, 64, 65, 128}) {
+            digest.Reset();
+            digest.Update(nullptr, 0);
+            for (std::size_t i = 0; i < length; i += piece)
+                Append(digest, std::string_view(message).substr(0, length).substr(i, piece));
+            ASSERT_EQ(Finish(digest), DigestOf(std::string_view(message).substr(0, length)))
+                << length << ", " << piece;
+        }
+}
+
+TEST(Sha1, CountsBitsBeyond32Bits) {
+    const std::string megabyte(1 << 20, '\0');
+    CSHA1 digest;
+    for (int i = 0; i < 513; ++i) Append(digest, megabyte);
+    EXPECT_EQ(Finish(digest), "56b0894b2b968f40e7a5e9240d242c19f7c56b70");
+}
+
+}  // namespace

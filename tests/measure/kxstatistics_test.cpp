@@ -1,0 +1,137 @@
+// The ring of samples and its statistics, the stopwatch, and the steps of a search.
+#include "kalvo/measure/kxstatistics.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <new>
+
+#include "kalvo/frame/kxthread.h"
+#include "kalvo/measure/kxangle.h"
+#include "kalvo/measure/kxsearchsteps.h"
+#include "kalvo/measure/kxstopwatch.h"
+#include "kalvo/platform/clock.h"
+#include "tests/support/trace_recorder.h"
+
+namespace {
+bool memoryIsShort = false;
+}
+
+// Samples come from here.
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+    return memoryIsShort ? nullptr : ::operator new[](bytes);
+}
+
+namespace Zelkor::Kalvo {
+namespace {
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+TEST(Statistics, CoverTheLastSamplesOnly) {
+    KxStatistics statistics(3);
+    EXPECT_EQ(statistics.Average(), 0);
+    statistics.NewElement(5);
+    EXPECT_EQ(statistics.Average(), 5);
+    EXPECT_EQ(statistics.Deviation(), 0);
+    for (const float sample : {1, 2, 3, 4}) statistics.NewElement(sample);
+    EXPECT_EQ(statistics.Count(), 3u);
+    EXPECT_EQ(statistics.Average(), 3);
+    EXPECT_EQ(statistics.Minimum(), 2);
+    EXPECT_EQ(statistics.Maximum(), 4);
+    EXPECT_FLOAT_EQ(statistics.Deviation(), std::sqrt(2 / 3.0f));
+}
+
+TEST(Statistics, SumInSinglePrecisionInTheOrderOfTheRing) {
+    KxStatistics statistics(3);
+    for (const float sample : {0.0f, 1.0f, 1.0f, 0x1p24f}) statistics.NewElement(sample);
+    EXPECT_EQ(statistics.Average(), 0x1p24f / 3);
+}
+
+TEST(Statistics, NanNeverReplacesAnExtremum) {
+    KxStatistics statistics(3);
+    for (const float sample : {2.0f, kNan, 1.0f}) statistics.NewElement(sample);
+    EXPECT_EQ(statistics.Minimum(), 1);
+    EXPECT_EQ(statistics.Maximum(), 2);
+}
+
+TEST(Statistics, IgnoreSamplesWithoutRoom) {
+    KxStatistics statistics(2);
+    const Testing::TraceRecorder traces;
+    memoryIsShort = true;
+    statistics.Reset(7);
+    memoryIsShort = false;
+    EXPECT_EQ(KxGetError(), KX_ERROR_ALLOCATION);
+    EXPECT_EQ(traces.Functions(), std::vector<std::string>{"KxStatistics::Reset"});
+    statistics.NewElement(1);
+    EXPECT_EQ(statistics.Count(), 0u);
+    EXPECT_EQ(statistics.Minimum(), 0);
+    EXPECT_EQ(statistics.Maximum(), 0);
+    KxOk();
+}
+
+TEST(Stopwatch, ReadsTheTimeOfDayUntilTheCounterIsStarted) {
+    OzzoTLSStruct& record = *KxGetTLSPtr();
+    GetSystemTime(&record.m_StartTime.m_SystemTime);
+    record.m_StartTime.m_SystemTime.wYear = 0;  // years and months do not count
+    EXPECT_LE(std::abs(KxStopTiming(1)), 1);
+    record.m_StartTime.m_SystemTime.wDay += 2;
+    EXPECT_NEAR(KxStopTiming(1), -2 * 86400, 1);
+    EXPECT_EQ(KxStopTiming(INT_MAX), INT_MIN);
+
+    KxStartTiming();
+    EXPECT_EQ(KxStopTiming(0), 0);
+    record.m_StartTime.m_n64Counter -= std::int64_t{1000} * KxTrueTimingResolution();
+    const int seconds = KxStopTiming(1);
+    EXPECT_TRUE(seconds >= 1000 && seconds < 1010) << seconds;
+    EXPECT_EQ(KxStopTiming(INT_MAX), INT_MAX);
+    EXPECT_EQ(KxStopTiming(INT_MIN), INT_MIN);
+}
+
+struct Search {
+    unsigned skewSteps = 99;
+    float skewStep = 99;
+    unsigned scaleSteps = 99;
+    float scaleStep = 99;
+
+    Search(int width, int height, float skewRange, float scaleRange, int adjust) {
+        KxSkewScaleSteps(width, height, skewRange, skewSteps, skewStep, scaleRange, scaleSteps, scaleStep,
+                         adjust);
+    }
+};
+
+TEST(SearchSteps, MovePointsByAboutOnePixel) {
+    KxSetAngleUnit(KX_ANGLE_UNITS_RADIANS);
+    const Search free(100, 100, 0.5f, 0.01f, 0), adjusted(100, 100, 0.5f, 0.01f, 1);
+    EXPECT_EQ(free.skewSteps, 20u);
+    EXPECT_NEAR(free.skewStep, 1 / 38.2598, 1e-7);
+    EXPECT_EQ(free.scaleSteps, 1u);
+    EXPECT_EQ(free.scaleStep, free.skewStep);
+    EXPECT_EQ(adjusted.skewStep, 0.5f / 19);
+    EXPECT_EQ(adjusted.scaleStep, free.scaleStep);  // one step covers nothing
+    EXPECT_NEAR(Search(30, 10, 0, 0, 0).scaleStep, Search(10, 30, 0, 0, 0).scaleStep, 1e-7);
+    KxSetAngleUnit(KX_ANGLE_UNITS_DEGREES);
+    EXPECT_NEAR(Search(100, 100, 0, 0, 0).skewStep, 180 / (38.2598 * 3.14159265), 1e-5);
+}
+
+TEST(SearchSteps, ClampRangesAndRefuseEmptyPatterns) {
+    EXPECT_EQ(Search(100, 100, kInfinity, 1e30f, 1).skewSteps, 0x80000000u);
+    EXPECT_EQ(Search(100, 100, kInfinity, 1e30f, 1).scaleSteps, 0x80000000u);
+    EXPECT_EQ(Search(INT_MAX, 1, kNan, -1e30f, 1).skewSteps, 1u);
+    EXPECT_EQ(Search(1, INT_MAX, kNan, -1e30f, 1).scaleSteps, 0u);
+    const Testing::TraceRecorder traces;
+    for (const auto& [width, height, code] : {std::tuple{0, 0, KX_ERROR_PARAMETER_1_OUT_OF_RANGE},
+                                              std::tuple{1, INT_MIN, KX_ERROR_PARAMETER_2_OUT_OF_RANGE}}) {
+        const Search refused(width, height, 1, 1, 1);
+        EXPECT_EQ(KxGetError(), code);
+        EXPECT_EQ(refused.skewStep + refused.scaleStep, 198);
+        EXPECT_EQ(refused.skewSteps + refused.scaleSteps, 198u);
+        EXPECT_EQ(traces.Functions().back(), "KxSkewScaleSteps");
+    }
+    KxOk();
+}
+
+}  // namespace
+}  // namespace Zelkor::Kalvo

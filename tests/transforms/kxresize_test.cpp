@@ -1,0 +1,144 @@
+// Resampling: which pixels are taken, which are left alone, and what is refused.
+#include "kalvo/transforms/kxresize.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "tests/support/pixel_bytes.h"
+#include "tests/support/pixel_types.h"
+#include "tests/support/trace_recorder.h"
+
+namespace Zelkor::Kalvo::Testing {
+namespace {
+
+using Names = std::vector<std::string>;
+
+template <class Pixel>
+Pixel Expected(const KxROI<Pixel>& source, const KxROI<Pixel>& destination, int x, int y) {
+    return source.GetPixel(static_cast<int>(std::int64_t{x} * source.GetWidth() / destination.GetWidth()),
+                           static_cast<int>(std::int64_t{y} * source.GetHeight() / destination.GetHeight()));
+}
+
+template <class Pixel>
+struct Resize : testing::Test {};
+using Pixels = testing::Types<KxBW8, KxBW16, KxC15, KxC16, KxC24, KxC24A>;
+TYPED_TEST_SUITE(Resize, Pixels);
+
+TYPED_TEST(Resize, TakesTheSourcePixelBelowEveryPixelAndLeavesTheRestAlone) {
+    KxImage<TypeParam> sourceImage(90, 9), image(140, 30);
+    FillPattern(sourceImage, 1);
+    for (const auto& [sourceWidth, width, height] : {std::tuple(4, 8, 1),
+                                                     {4, 2, 1},
+                                                     {4, 3, 9},
+                                                     {5, 5, 3},
+                                                     {1, 60, 25},
+                                                     {70, 1, 7},
+                                                     {70, 131, 8},
+                                                     {70, 69, 20}}) {
+        FillPattern(image, 2);
+        KxROI<TypeParam> source(&sourceImage, 3, 1, sourceWidth, 7), destination(&image, 5, 2, width, height);
+        Bytes expected = PixelBytes(image);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const TypeParam pixel = Expected(source, destination, x, y);
+                std::memcpy(&expected[((y + 2) * 140 + x + 5) * sizeof(TypeParam)], &pixel, sizeof pixel);
+            }
+        KxResize(&source, &destination);
+        EXPECT_EQ(PixelBytes(image), expected) << sourceWidth << " to " << width << " x " << height;
+    }
+}
+
+TYPED_TEST(Resize, GivesOverlappingRegionsTheOldPixels) {
+    KxImage<TypeParam> image(40, 30), copy;
+    FillPattern(image, 3);
+    image.CopyTo(&copy);
+    KxROI<TypeParam> source(&image, 0, 0, 20, 15), oldSource(&copy, 0, 0, 20, 15),
+        destination(&image, 5, 4, 33, 25);
+    KxResize(&source, &destination);
+    for (int y = 0; y < 25; ++y)
+        for (int x = 0; x < 33; ++x)
+            ASSERT_TRUE(SameBytes(destination.GetPixel(x, y), Expected(oldSource, destination, x, y)));
+}
+
+TEST(ResizeRegion, TakesUpsideDownRowsOfForeignBuffers) {
+    Bytes pixels{1, 2, 3, 4, 5, 6, 7, 8};
+    KxImage<KxBW8> image, destination(2, 4);
+    image.SetImagePtr(2, 2, &pixels[4], -32);
+    KxResize(&image, &destination);
+    EXPECT_EQ(PixelBytes(destination), (Bytes{5, 6, 5, 6, 1, 2, 1, 2}));
+}
+
+TEST(ResizeRegion, RefusesRegionsWithoutPixels) {
+    const TraceRecorder traces;
+    KxImage<KxBW8> image(3, 3), empty;
+    KxROI<KxBW8> detached, flat(&image, 3, 0, 0, 3);
+    FillPattern(image, 1);
+    const Bytes pixels = PixelBytes(image);
+    for (const auto& [source, destination] : {std::pair<KxROI<KxBW8>*, KxROI<KxBW8>*>(&empty, &image),
+                                              {&image, &empty},
+                                              {&detached, &image},
+                                              {&flat, &image}}) {
+        KxOk();
+        KxResize(source, destination);
+        EXPECT_EQ(KxGetError(), KX_ERROR_IMAGE_MEMORY_ACCESS);
+    }
+    EXPECT_EQ(PixelBytes(image), pixels);
+    EXPECT_EQ(traces.Functions(), Names(4, "KxResize"));
+    KxResize(&image, &flat);
+    EXPECT_EQ(KxGetError(), KX_OK);
+}
+
+TEST(Rescale, RoundsTheSizeAndReplacesPixelsWhateverTheDestinationWas) {
+    KxImage<KxBW8> source(5, 5), own(2, 2), wrapped;
+    Bytes foreign(9, 7), pixels(25);
+    for (int i = 0; i < 25; ++i) pixels[i] = static_cast<std::uint8_t>(i);
+    SetPixelBytes(source, pixels);
+    wrapped.SetImagePtr(3, 3, foreign.data(), 24);
+    KxROI<KxBW8> child(&own, 1, 1, 1, 1);
+    own.SetRectangleMask(0, 0, 1, 1);
+    const Bytes half{0, 1, 3, 5, 6, 8, 15, 16, 18};
+    for (KxImage<KxBW8>* destination : {&own, &wrapped}) {
+        ImgRescale(&source, destination, 0.5f, 0.5f);
+        EXPECT_EQ(KxGetError(), KX_OK);
+        EXPECT_EQ(destination->GetExtent(), GenericRoiExtent(0, 0, 3, 3));
+        EXPECT_EQ(PixelBytes(*destination), half);
+    }
+    EXPECT_EQ(foreign, Bytes(9, 7));
+    EXPECT_EQ(own.GetMaskRuns().GetNumElements(), 0u);
+    EXPECT_EQ(child.GetPixel(0, 0), 6);
+    ImgRescale(&source, 0.5f, 0.5f);
+    EXPECT_EQ(PixelBytes(source), half);
+    ImgRescale(&source, nullptr, 2, 1.2f);
+    EXPECT_EQ(source.GetExtent(), GenericRoiExtent(0, 0, 6, 4));
+    EXPECT_EQ(source.GetPixel(5, 3), 18);
+}
+
+TEST(Rescale, RefusesImpossibleSizesAndKeepsTheDestination) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    KxImage<KxC24> source(4, 4), empty, destination(2, 1);
+    SetPixelBytes(destination, {1, 2, 3, 4, 5, 6});
+    const std::tuple<KxImage<KxC24>*, float, float, KX_ERRORS, Names> cases[] = {
+        {&empty, 1.f, 1.f, KX_ERROR_IMAGE_MEMORY_ACCESS, {"ImgRescale"}},
+        {&source, 0.1f, 0.1f, KX_ERROR_IMAGE_MEMORY_ACCESS, {"KxResize", "ImgRescale"}},
+        {&source, 1.f, -1.f, KX_ERROR_IMAGE_MEMORY_ACCESS, {"KxResize", "ImgRescale"}},
+        {&source,
+         std::numeric_limits<float>::quiet_NaN(),
+         1.f,
+         KX_ERROR_IMAGE_MEMORY_ACCESS,
+         {"KxResize", "ImgRescale"}},
+        {&source, 1.f, kInfinity, KX_ERROR_ORIGIN_IMAGE_TOO_BIG, {"ImgRescale"}},
+        {&source, 536870912.f, 1.f, KX_ERROR_ORIGIN_IMAGE_TOO_BIG, {"ImgRescale"}},
+        {&source, 536870848.f, 1.f, KX_ERROR_ORIGIN_IMAGE_TOO_BIG, {"KxImage::SetSize", "ImgRescale"}},
+    };
+    for (const auto& [from, scaleX, scaleY, code, names] : cases) {
+        const TraceRecorder traces;
+        ImgRescale(from, &destination, scaleX, scaleY);
+        EXPECT_EQ(KxGetError(), code) << scaleX << ", " << scaleY;
+        EXPECT_EQ(traces.Functions(), names) << scaleX << ", " << scaleY;
+        EXPECT_EQ(PixelBytes(destination), (Bytes{1, 2, 3, 4, 5, 6}));
+    }
+}
+
+}  // namespace
+}  // namespace Zelkor::Kalvo::Testing

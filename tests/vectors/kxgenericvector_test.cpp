@@ -1,0 +1,151 @@
+// The generic vector: structures, buffers, and access in every item type.
+#include "kalvo/vectors/kxgenericvector.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "tests/support/trace_recorder.h"
+
+namespace Zelkor::Kalvo {
+namespace {
+
+using Numbers = std::vector<int>;
+
+// Vector type, use, data type, data size, groups, group length, bytes, groups that fit.
+Numbers StructureOf(const KxVector& vector) {
+    return {vector.GetVectType(), vector.GetUse(),         vector.GetDataType(),      vector.GetDataSize(),
+            vector.GetNbGroup(),  vector.GetGroupLength(), vector.GetAllocatedSize(), vector.GetNbMaxGroup()};
+}
+
+template <class Operation>
+void ExpectFailure(KX_ERRORS code, const std::vector<std::string>& functions, Operation operation) {
+    const Testing::TraceRecorder traces;
+    EXPECT_EQ(operation(), code);
+    EXPECT_EQ(KxGetError(), code);
+    EXPECT_EQ(traces.Functions(), functions);
+}
+
+TEST(GenericVector, TakesAndRecognisesPredefinedStructures) {
+    const Numbers structures[] = {
+        {1, 2, 2, 8, 2000, 3, 24000, 2000}, {2, 1, 1, 8, 1, 256, 1024, 1},      {3, 10, 1, 2, 1, 256, 256, 1},
+        {4, 5, 2, 8, 512, 3, 6144, 512},    {5, 9, 2, 8, 1000, 3, 12000, 1000}, {6, 3, 2, 8, 50, 4, 800, 50},
+        {7, 10, 4, 8, 1, 1, 4, 1},
+    };
+    KxVector vector;
+    EXPECT_EQ(StructureOf(vector), (Numbers{0, 0, 1, 8, 1, 0, 0, 0}));
+    for (const Numbers& structure : structures) {
+        EXPECT_EQ(vector.SetType(structure[0], 0, 0), KX_OK);
+        EXPECT_EQ(StructureOf(vector), structure);
+        vector.SetVectType(0);
+        vector.SetUse(0);
+        EXPECT_EQ(vector.IsSameVectType(structure[0]), structure[0] != 7);
+        EXPECT_EQ(vector.GetVectType(), structure[0] == 7 ? 0 : structure[0]);
+        EXPECT_EQ(vector.GetUse(), structure[0] == 7 ? 0 : structure[1]);
+    }
+    EXPECT_EQ(vector.SetType(1, 10, 0), KX_OK);
+    EXPECT_EQ(vector.IsSameVectType(5), 1);
+    EXPECT_EQ(vector.IsSameVectType(6), 0);
+    for (const int none : {INT_MIN, 0, 8}) {
+        EXPECT_EQ(vector.SetType(none, 5, 5), KX_OK);
+        EXPECT_EQ(vector.IsSameVectType(none), 0);
+    }
+    EXPECT_EQ(StructureOf(vector), (Numbers{5, 9, 2, 8, 10, 3, 120, 10}));
+    vector.SetStructure(8, 2, 256, 1);
+    EXPECT_EQ(vector.IsSameVectType(2), 0);  // it has one group too many
+}
+
+TEST(GenericVector, KnowsTheSizeOfEveryItem) {
+    KxVector vector(3);
+    EXPECT_EQ(vector.GetAllocatedSize(), 12);
+    const int sizes[][6] = {{1, 1, 2, 4, 1, 1}, {2, 1, 2, 4, 1, 1}, {4, 4, 4, 4, 8, 4}, {3, 1, 1, 1, 1, 1}};
+    for (const auto& [dataType, of2, of4, of8, of16, of5] : sizes) {
+        const int dataSizes[][2] = {{2, of2}, {4, of4}, {8, of8}, {16, of16}, {5, of5}};
+        for (const auto& [dataSize, bytes] : dataSizes) {
+            EXPECT_EQ(vector.SetStructure(dataSize, 2, 3, dataType), KX_OK);
+            EXPECT_EQ(vector.GetAllocatedSize(), 6 * bytes) << dataType << ", " << dataSize;
+        }
+    }
+}
+
+TEST(GenericVector, ReplacesAndResizesItsBuffer) {
+    KxVector vector;
+    vector.SetGroupLength(3);
+    EXPECT_EQ(vector.SetAllocatedSize(100), KX_OK);
+    EXPECT_EQ(vector.GetNbMaxGroup(), 8);
+    EXPECT_EQ(vector.SetData(8, 0, 5u), KX_OK);
+    EXPECT_EQ(vector.Reallocate(1000), KX_OK);
+    EXPECT_EQ(vector.GetNbMaxGroup(), 83);
+    vector.SetGroupLength(-1);
+    vector.SetNbMaxGroup();
+    EXPECT_EQ(vector.GetNbMaxGroup(), 0);
+    ExpectFailure(KX_ERROR_ALLOCATION, {"KxVector::Reallocate"}, [&] { return vector.Reallocate(-1); });
+    EXPECT_EQ(static_cast<unsigned*>(vector.GetDataPtr())[24], 5u);
+    EXPECT_EQ(vector.Reallocate(0), KX_OK);
+    EXPECT_EQ(vector.GetDataPtr(), nullptr);
+    EXPECT_EQ(vector.SetAllocatedSize(-1), KX_OK);
+    const std::string items = "KxVector::SetItemsAllocatedSize";
+    vector.SetAllocatedSize(8);
+    ExpectFailure(KX_ERROR_ALLOCATION, {items}, [&] { return vector.SetItemsAllocatedSize(INT_MAX); });
+    EXPECT_EQ(vector.GetAllocatedSize(), 0);
+    ExpectFailure(KX_ERROR_ALLOCATION, {items, "KxVector::SetStructure"},
+                  [&] { return vector.SetStructure(2, INT_MIN, INT_MIN, 1); });
+    ExpectFailure(KX_ERROR_ALLOCATION, {items, "KxVector::SetType"},
+                  [&] { return vector.SetType(1, INT_MAX, 1); });
+    EXPECT_EQ(vector.GetUse(), 2);
+    EXPECT_EQ(KxGetError(), KX_OK);  // the getter has reset it
+}
+
+template <class T>
+void CheckAccess(int dataType, const std::string& word) {
+    KxVector vector;
+    ASSERT_EQ(vector.SetStructure(2 * sizeof(T), 3, 2, dataType), KX_OK);
+    const T values[] = {1, 2, 3, static_cast<T>(-4)};
+    T group[4] = {}, value = 0;
+    EXPECT_EQ(vector.SetGroups(1, 2, values), KX_OK);
+    EXPECT_EQ(vector.SetData(2, 0, T{9}), KX_OK);
+    EXPECT_EQ(vector.GetGroups(1, 2, group), KX_OK);
+    EXPECT_EQ(std::vector<T>(group, group + 4), (std::vector<T>{1, 2, 9, static_cast<T>(-4)}));
+    EXPECT_EQ(vector.GetData(1, 1, value), KX_OK);
+    EXPECT_EQ(value, 2);
+    EXPECT_EQ(vector.SetGroups(0, 2, static_cast<T*>(vector.GetDataPtr()) + 2), KX_OK);  // overlapping
+    EXPECT_EQ(vector.GetData(0, 1, value), KX_OK);
+    EXPECT_EQ(value, 2);
+
+    const auto expectAll = [&](KX_ERRORS code, int group1, int index, int groups) {
+        ExpectFailure(code, {"KxVector::GetData " + word},
+                      [&] { return vector.GetData(group1, index, value); });
+        ExpectFailure(code, {"KxVector::SetData " + word},
+                      [&] { return vector.SetData(group1, index, T{7}); });
+        ExpectFailure(code, {"KxVector::GetGroups " + word},
+                      [&] { return vector.GetGroups(group1, groups, group); });
+        ExpectFailure(code, {"KxVector::SetGroups " + word},
+                      [&] { return vector.SetGroups(group1, groups, values); });
+    };
+    expectAll(KX_ERROR_PARAMETERS_OUT_OF_RANGE, 2, 2, 2);
+    expectAll(KX_ERROR_PARAMETERS_OUT_OF_RANGE, -1, 1, 1);
+    expectAll(KX_ERROR_PARAMETERS_OUT_OF_RANGE, INT_MIN, INT_MIN, INT_MIN);
+    expectAll(KX_ERROR_PARAMETERS_OUT_OF_RANGE, INT_MAX, INT_MAX, INT_MAX);
+    EXPECT_EQ(vector.GetGroups(3, 0, group), KX_OK);
+    EXPECT_EQ(value, 2);
+    vector.SetDataSize(32);
+    expectAll(KX_ERROR_INVALID_DATA_SIZE, 0, 0, 1);
+    vector.SetDataType(8);
+    expectAll(KX_ERROR_INVALID_DATA_TYPE, 0, 0, 1);
+}
+
+TEST(GenericVector, ReadsAndWritesItemsOfItsOwnTypeInsideItsBuffer) {
+    CheckAccess<unsigned char>(1, "UINT8");
+    CheckAccess<unsigned short>(1, "UINT16");
+    CheckAccess<unsigned int>(1, "UINT32");
+    CheckAccess<signed char>(2, "INT8");
+    CheckAccess<short>(2, "INT16");
+    CheckAccess<int>(2, "INT32");
+    CheckAccess<float>(4, "FLOAT32");
+    CheckAccess<double>(4, "FLOAT64");
+}
+
+}  // namespace
+}  // namespace Zelkor::Kalvo
