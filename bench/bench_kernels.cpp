@@ -78,6 +78,7 @@ const Kernels kPlainLoops = {
         }
     },
     AvailableKernels().front().sha1Blocks,
+    AvailableKernels().front().gatherRow,
 };
 
 // A job works on a row whose wider side has `size` bytes; one byte more is there for bit offsets.

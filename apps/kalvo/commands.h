@@ -1,6 +1,7 @@
 #pragma once
 // The commands of the program. Each returns the exit code: 0 all done, 1 something failed.
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -58,6 +59,31 @@ struct PlotOptions {
     PictureSize size;
 };
 
+struct ResizeOptions {
+    std::string input;
+    std::string output;
+    std::optional<PictureSize> size;
+    std::array<float, 2> scales{1, 1};  ///< without a size
+};
+
+struct ReliefOptions {
+    std::string input;
+    std::string output;
+    std::string heights;                   ///< another image; empty: the image itself
+    std::array<float, 2> angles{-40, 15};  ///< in degrees
+    std::optional<std::array<float, 3>> scales;
+    int pointSize = 9;
+    std::optional<PictureSize> size;
+};
+
+struct CubeOptions {
+    std::string input;
+    std::string output;
+    std::string coordinates;                ///< another image; empty: the image itself
+    std::array<float, 2> angles{-155, 35};  ///< in degrees
+    PictureSize size{600, 600};
+};
+
 struct TourOptions {
     std::string picture;
     std::string folder = "kalvo-tour";
@@ -75,6 +101,12 @@ int RunFields(const FieldsOptions& options);
 int RunDraw(const DrawOptions& options);
 /// Plots a row, a column or the histogram of an image, and saves the picture as a PNG file.
 int RunPlot(const PlotOptions& options);
+/// Resamples an image, and saves it.
+int RunResize(const ResizeOptions& options);
+/// Draws an image as a relief, and saves the picture.
+int RunRelief(const ReliefOptions& options);
+/// Draws the colours of an image in the colour cube, and saves the picture.
+int RunHistogram3d(const CubeOptions& options);
 /// Takes a picture through all that the library does, and checks it.
 int RunTour(const TourOptions& options);
 

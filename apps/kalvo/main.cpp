@@ -201,6 +201,93 @@ void AddPlot(CLI::App& program, PlotOptions& options, Command& chosen) {
     command->callback([&options, &chosen] { chosen = [&options] { return RunPlot(options); }; });
 }
 
+// Numbers with commas between them.
+template <std::size_t kCount>
+std::array<float, kCount> ToNumbers(const std::vector<float>& numbers) {
+    std::array<float, kCount> array;
+    std::ranges::copy(numbers, array.begin());
+    return array;
+}
+
+CLI::Option* AddAngles(CLI::App& command, std::array<float, 2>& angles) {
+    return command
+        .add_option_function<std::vector<float>>(
+            "--angles", [&angles](const std::vector<float>& numbers) { angles = ToNumbers<2>(numbers); },
+            "Turns around the horizontal and the vertical axis of the picture in degrees")
+        ->type_name("A,B")
+        ->delimiter(',')
+        ->expected(2);
+}
+
+// For a size that must be given, or for one that need not.
+template <class Size>
+CLI::Option* AddSize(CLI::App& command, Size& size, const char* about) {
+    return command
+        .add_option_function<std::string>(
+            "--size", [&size](const std::string& text) { size = ToSize(text); }, about)
+        ->type_name("WIDTHxHEIGHT");
+}
+
+void AddInputAndOutput(CLI::App& command, std::string& input, std::string& output) {
+    command.add_option("IN", input, "Image file, or archive that begins with an image")->required();
+    command.add_option("OUT", output, "File to write, as for convert")->required();
+}
+
+void AddResize(CLI::App& program, ResizeOptions& options, Command& chosen) {
+    CLI::App* command =
+        program.add_subcommand("resize", "Enlarge or shrink an image by repeating or leaving out pixels");
+    AddInputAndOutput(*command, options.input, options.output);
+    auto* kind = command->add_option_group("result");
+    AddSize(*kind, options.size, "Size of the result");
+    kind->add_option_function<std::vector<float>>(
+            "--scale",
+            [&options](const std::vector<float>& numbers) {
+                options.scales = {numbers.front(), numbers.back()};
+            },
+            "Size of the result by that of the image, for both sides or for width and height")
+        ->type_name("SX[,SY]")
+        ->check(CLI::Range(0.001f, 1000.0f))
+        ->delimiter(',')
+        ->expected(1, 2);
+    kind->require_option(1);
+    command->callback([&options, &chosen] { chosen = [&options] { return RunResize(options); }; });
+}
+
+void AddRelief(CLI::App& program, ReliefOptions& options, Command& chosen) {
+    CLI::App* command =
+        program.add_subcommand("relief", "Draw an image as a relief: the brighter, the higher");
+    AddInputAndOutput(*command, options.input, options.output);
+    command->add_option("--heights", options.heights, "Image that tells the heights, at least as large")
+        ->type_name("FILE");
+    AddAngles(*command, options.angles)->default_str("-40,15");
+    command
+        ->add_option_function<std::vector<float>>(
+            "--scale",
+            [&options](const std::vector<float>& numbers) { options.scales = ToNumbers<3>(numbers); },
+            "Pixels of the picture for a column, a row and a grey level; whatever fits if not given")
+        ->type_name("X,Y,Z")
+        ->delimiter(',')
+        ->expected(3);
+    command->add_option("--point", options.pointSize, "Pixels of the picture for a point")
+        ->check(CLI::IsMember({1, 4, 5, 9}))
+        ->capture_default_str();
+    AddSize(*command, options.size, "Size of the picture; what the relief needs if not given");
+    command->callback([&options, &chosen] { chosen = [&options] { return RunRelief(options); }; });
+}
+
+void AddHistogram3d(CLI::App& program, CubeOptions& options, Command& chosen) {
+    CLI::App* command =
+        program.add_subcommand("histogram3d", "Draw the colours of an image in the colour cube");
+    AddInputAndOutput(*command, options.input, options.output);
+    command
+        ->add_option("--coordinates", options.coordinates,
+                     "Image that tells where the colours go, at least as large; its own if not given")
+        ->type_name("FILE");
+    AddAngles(*command, options.angles)->default_str("-155,35");
+    AddSize(*command, options.size, "Size of the picture")->default_str("600x600");
+    command->callback([&options, &chosen] { chosen = [&options] { return RunHistogram3d(options); }; });
+}
+
 void AddTour(CLI::App& program, TourOptions& options, Command& chosen) {
     CLI::App* command =
         program.add_subcommand("tour", "Take a picture through all the library does, and check it");
@@ -223,6 +310,9 @@ int Run(int argc, char** argv) {
     FieldsOptions fields;
     DrawOptions draw;
     PlotOptions plot;
+    ResizeOptions resize;
+    ReliefOptions relief;
+    CubeOptions cube;
     TourOptions tour;
     AddShow(program, "info", "Tell what image files and archives hold", info, RunInfo, chosen);
     AddShow(program, "archive", "Print the tree of objects in archives", archive, RunArchive, chosen);
@@ -230,6 +320,9 @@ int Run(int argc, char** argv) {
     AddFields(program, fields, chosen);
     AddDraw(program, draw, chosen);
     AddPlot(program, plot, chosen);
+    AddResize(program, resize, chosen);
+    AddRelief(program, relief, chosen);
+    AddHistogram3d(program, cube, chosen);
     AddTour(program, tour, chosen);
 
     try {

@@ -1,7 +1,6 @@
 // The drawing members of regions and images.
 
 #include <algorithm>
-#include <cmath>
 #include <type_traits>
 
 #include "kalvo/display/dib.h"

@@ -82,9 +82,8 @@ public:
     /// - `KX_ERROR_PARAMETER_2_OUT_OF_RANGE` for another mode;
     /// - what `KxImage::SetSize` reports; `KX_ERROR_IMAGE_MEMORY_ACCESS` for an image of the right size that
     ///   has no pixels, or wraps rows that overlap;
-    /// - the codes of the codec for streams that cannot be decoded. The image may have its new size then,
-    /// with
-    ///   pixels that may be anything.
+    /// - the codes of the codec for streams that cannot be decoded; the image may have its new size then, and
+    ///   any pixels.
     void DecompressToImage(KxImage<KxC24>& image, const ScalingMode& eMode) const;
 
     /// Encodes pixels of three bytes (red, green, blue) as a JPEG stream in new memory, which the caller

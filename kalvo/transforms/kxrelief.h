@@ -5,9 +5,10 @@
 
 /// Draws a grey image as a relief on a grey background (128), in parallel projection and centred in the
 /// destination, which keeps its size. A pixel becomes a point of its own grey value, as high as that value.
-/// @param f32Angle1  slope of the view in the current angle unit: 0 looks from above, a quarter turn from the
-///                   side
-/// @param f32Angle2  turn of the image around its vertical axis in the current angle unit
+/// @param f32Angle1  turn around the horizontal axis of the destination, in the current angle unit: 0 looks
+///                   from above; up to a quarter turn below 0 heights rise and the last row comes to the
+///                   front
+/// @param f32Angle2  turn around its vertical axis, in the current angle unit
 /// @param f32ScaleX, f32ScaleY, f32ScaleZ  destination pixels per column, per row and per grey level
 /// @param n32PointSize  destination pixels per point: 1, 4 (a square), 5 (a plus sign) or 9 (a square).
 /// Points

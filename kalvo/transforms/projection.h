@@ -1,11 +1,11 @@
 #pragma once
 // Parallel projection in 16.16 fixed point: what relief and colour histogram have in common.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 
-#include "kalvo/frame/roundtoint.h"
 #include "kalvo/image/regionrows.h"
 
 namespace Zelkor::Kalvo {
@@ -21,12 +21,18 @@ struct View {
           sb(std::sin(angle2Radians)) {}
 };
 
-// A number with 16 fractional bits. Unsigned, so that absurd scales wrap around instead of overflowing and
-// one comparison tells whether a coordinate lies between 0 and a limit; wide, so that sensible ones never
-// wrap.
+// A number with 16 fractional bits. Wide, so that sensible scales never wrap; unsigned, so that absurd ones
+// wrap around instead of overflowing, and one comparison tells whether a coordinate lies between 0 and a
+// limit.
 using Fixed = std::uint64_t;
 
-inline Fixed ToFixed(float value) { return static_cast<Fixed>(std::int64_t{TruncateToInt(value * 65536.0)}); }
+inline Fixed ToFixed(float value) {
+    constexpr double kLargest = 0x1p62;
+    const double scaled = value * 65536.0;
+    return std::isnan(scaled)
+               ? 0
+               : static_cast<Fixed>(static_cast<std::int64_t>(std::clamp(scaled, -kLargest, kLargest)));
+}
 
 // The first coordinate that is too large for `size` places.
 inline Fixed LimitOf(int size) { return size > 0 ? Fixed{static_cast<unsigned>(size)} << 16 : 0; }

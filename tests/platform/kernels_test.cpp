@@ -89,7 +89,7 @@ constexpr std::size_t kMaxLength = 260;
 
 // Random, constant and run-rich bytes, enough for every case.
 const std::vector<Bytes> kContents = [] {
-    std::vector<Bytes> contents(3, Bytes(4 * kMaxLength, 0x80));
+    std::vector<Bytes> contents(3, Bytes(5 * kMaxLength, 0x80));
     std::minstd_rand random;
     std::ranges::generate(contents[0], [&] { return random() >> 8 & 0xFF; });
     std::ranges::generate(
@@ -235,7 +235,9 @@ TEST_P(KernelSet, CompressesAnyNumberOfBlocksFromAnyAddress) {
 
 TEST(Kernels, BestSetOfTheProcessorIsActive) {
     EXPECT_EQ(AvailableKernels().front().name, std::string("portable"));
-    EXPECT_EQ(ActiveKernels().name, std::string(Platform::HasAvx2() ? "avx2" : Platform::HasSha() ? "sha" : "portable"));
+    EXPECT_EQ(ActiveKernels().name, std::string(Platform::HasAvx2()  ? "avx2"
+                                                : Platform::HasSha() ? "sha"
+                                                                     : "portable"));
 }
 
 }  // namespace
