@@ -59,7 +59,7 @@ RGBColor ColorOfPen(void* pen) {
 template <class Pixel>
 void KxGrayVectorTemplate<Pixel>::Draw(DrawAdapter* pSurface, float f32Width, float f32Height, float f32X,
                                        float f32Y) {
-    using Unsigned = Pixel::ValueType;
+    using Unsigned = typename Pixel::ValueType;
     using Signed = std::make_signed_t<Unsigned>;
     AtBoundary("KxVector::Draw", [&] {
         const Pixel* elements = this->GetDataPtr();

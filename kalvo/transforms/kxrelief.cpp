@@ -2,7 +2,9 @@
 
 #include "kalvo/transforms/kxrelief.h"
 
+#include <algorithm>
 #include <array>
+#include <tuple>
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/measure/kxangle.h"
@@ -65,12 +67,14 @@ struct Projection {
     }
 };
 
+// Unrolled: with loops at run time a point costs three to eight times as much.
 template <int kPointSize, class Pixel>
-void PaintPoint(std::uint8_t* row, std::ptrdiff_t pitchBytes, Pixel color) {
-    for (const Run& run : kRuns<kPointSize>) {
-        std::fill_n(reinterpret_cast<Pixel*>(row) + run.first, run.count, color);
-        row += pitchBytes;
-    }
+void PaintPoint(std::uint8_t* place, std::ptrdiff_t pitchBytes, Pixel color) {
+    const auto paintRow = [&](const Run& run) {
+        std::fill_n(reinterpret_cast<Pixel*>(place) + run.first, run.count, color);
+        place += pitchBytes;
+    };
+    std::apply([&](const auto&... run) { (paintRow(run), ...); }, kRuns<kPointSize>);
 }
 
 template <int kPointSize, class Pixel>

@@ -265,6 +265,58 @@ TEST_F(Program, PlotsProfilesAndHistograms) {
     }
 }
 
+TEST_F(Program, ResizesAndTellsTheNewPixelSize) {
+    ASSERT_EQ(Run("resize tree.kxa out.kxa --size 4x1").exitCode, 0);
+    KxImage<KxC24> result;
+    result.Load(Stream(KxSerializer::CreateFileReader(Path("out.kxa"))).get());
+    EXPECT_EQ(PixelBytes(result), (Bytes{0, 0, 0, 0, 0, 0, 255, 255, 255, 255, 255, 255}));
+    EXPECT_STREQ(result.GetTitle(), "gr\xFCn");
+    float width, height;
+    const KxMeasurementUnit* unit;
+    result.GetPixelDimensions(width, height, unit);
+    EXPECT_EQ(std::tuple(width, height), std::tuple(0.05f, 0.4f));
+
+    ASSERT_EQ(Run("resize picture.bmp out.bmp --scale 2,0.5").exitCode, 0);
+    KxImage<KxC24> scaled;
+    scaled.Load(Path("out.bmp").c_str());
+    EXPECT_TRUE(SamePixels(scaled, result));
+    for (const std::string type : {"bw1", "bw8", "bw16", "bw32", "c15", "c16", "c24", "c24a"}) {
+        Run("convert picture.bmp typed.kxa --type " + type);
+        const Outcome outcome = Run("resize typed.kxa out.kxa --scale 3");
+        if (type == "bw1" || type == "bw32")
+            EXPECT_THAT(outcome.errors, HasSubstr("Images of type " + type + " cannot be resized (1418)"));
+        else
+            EXPECT_EQ(std::pair(outcome.exitCode, TypeIn("out.kxa")), std::pair(0, type));
+    }
+}
+
+TEST_F(Program, RendersReliefsAndColorCubes) {
+    KxImage<KxC24> photo(40, 30), result;
+    FillPattern(photo, 1);
+    photo.Save(Path("photo.bmp").c_str());
+    Run("convert photo.bmp gray.tif --type bw8");
+    const auto render = [&](const std::string& arguments) {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << arguments << ": " << outcome.errors;
+        return folder.Read("out.bmp");
+    };
+    const std::string fromAbove = " out.bmp --angles 0,0 --scale 1,1,0 --point 1 --size 40x30";
+    EXPECT_EQ(render("relief photo.bmp" + fromAbove), folder.Read("photo.bmp"));
+    EXPECT_EQ(render("relief photo.bmp --heights gray.tif" + fromAbove), folder.Read("photo.bmp"));
+    EXPECT_EQ(render("relief gray.tif" + fromAbove),
+              (Run("convert gray.tif gray.bmp"), folder.Read("gray.bmp")));
+    EXPECT_EQ(render("relief photo.bmp out.bmp --angles -40,15"), render("relief photo.bmp out.bmp"));
+    EXPECT_NE(render("relief photo.bmp out.bmp --angles 40,15"), render("relief photo.bmp out.bmp"));
+    EXPECT_EQ(Run("relief photo.bmp out.bmp --heights picture.bmp").exitCode, 1);
+
+    const Bytes cube = render("histogram3d photo.bmp out.bmp");
+    EXPECT_EQ(
+        cube,
+        render("histogram3d photo.bmp out.bmp --coordinates photo.bmp --angles -155,35 --size 600x600"));
+    EXPECT_NE(cube, render("histogram3d photo.bmp out.bmp --coordinates gray.tif"));
+    EXPECT_EQ(Run("histogram3d photo.bmp out.bmp --size 600").exitCode, 2);
+}
+
 TEST_F(Program, TakesAPictureOnTheTour) {
     KxImage<KxC24> photo(80, 60);
     FillPattern(photo, 1);

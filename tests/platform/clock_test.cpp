@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <climits>
 #include <thread>
-#include <tuple>
 
 #include "kalvo/platform/criticalsection.h"
 #include "kalvo/platform/tls.h"
@@ -13,22 +13,12 @@
 namespace {
 
 TEST(MulDiv, RoundsHalvesAwayFromZeroAndSaysWhenItCannot) {
-    const std::tuple<int, int, int, int> cases[] = {
-        {7, 1, 2, 4},
-        {-7, 1, 2, -4},
-        {7, -1, -2, 4},
-        {7, 1, -3, -2},
-        {1, 1, 3, 0},
-        {2, 1, 3, 1},
-        {12, 96, 72, 16},
-        {5, 1, 0, -1},
-        {0, 0, 0, -1},
-        {1, 1, INT_MIN, 0},
-        {INT_MIN, INT_MIN, INT_MIN, INT_MIN},
-        {INT_MAX, INT_MAX, INT_MAX, INT_MAX},
-        {INT_MIN, 1, -1, -1},
-        {INT_MAX, 2, 1, -1},
-        {INT_MIN, INT_MIN, 1, -1},
+    constexpr int kMin = INT_MIN, kMax = INT_MAX;
+    const int cases[][4] = {
+        {7, 1, 2, 4},      {-7, 1, 2, -4},           {7, 1, -3, -2},
+        {1, 1, 3, 0},      {2, -1, -3, 1},           {5, 1, 0, -1},
+        {1, 1, kMin, 0},   {kMin, kMin, kMin, kMin}, {kMax, kMax, kMax, kMax},
+        {kMin, 1, -1, -1}, {kMin, kMin, 1, -1},
     };
     for (const auto& [number, numerator, denominator, result] : cases)
         EXPECT_EQ(MulDiv(number, numerator, denominator), result)
@@ -43,18 +33,13 @@ TEST(Clock, CountsUpAndKnowsTheDate) {
     EXPECT_GE(second.QuadPart, first.QuadPart);
     EXPECT_FALSE(QueryPerformanceCounter(nullptr));
     SYSTEMTIME now;
-    std::time_t before = std::time(nullptr);
     GetSystemTime(&now);
-    std::tm date{};
-    date.tm_year = now.wYear - 1900;
-    date.tm_mon = now.wMonth - 1;
-    date.tm_mday = now.wDay;
-    date.tm_hour = now.wHour;
-    date.tm_min = now.wMinute;
-    date.tm_sec = now.wSecond;
-    EXPECT_NEAR(static_cast<double>(timegm(&date) - before), 1, 1);
-    EXPECT_EQ(date.tm_wday, now.wDayOfWeek);
-    EXPECT_LT(now.wMilliseconds, 1000);
+    using namespace std::chrono;
+    const sys_days day = year{now.wYear} / now.wMonth / now.wDay;
+    const auto time =
+        day + hours{now.wHour} + minutes{now.wMinute} + milliseconds{1000 * now.wSecond + now.wMilliseconds};
+    EXPECT_LE(abs(time - system_clock::now()), seconds{2});
+    EXPECT_EQ(weekday{day}.c_encoding(), now.wDayOfWeek);
 }
 
 TEST(Tls, KeepsOneValuePerThreadAndSlot) {
@@ -79,20 +64,19 @@ TEST(Tls, KeepsOneValuePerThreadAndSlot) {
 TEST(CriticalSection, LetsOneThreadInAgain) {
     CRITICAL_SECTION section;
     InitializeCriticalSection(&section);
-    const auto canEnter = [&] {
+    const auto othersCanEnter = [&] {
         BOOL entered = 0;
         std::thread([&] {
-            entered = TryEnterCriticalSection(&section);
-            if (entered) LeaveCriticalSection(&section);
+            if ((entered = TryEnterCriticalSection(&section))) LeaveCriticalSection(&section);
         }).join();
         return entered;
     };
     EnterCriticalSection(&section);
     EXPECT_TRUE(TryEnterCriticalSection(&section));
     LeaveCriticalSection(&section);
-    EXPECT_FALSE(canEnter());
+    EXPECT_FALSE(othersCanEnter());
     LeaveCriticalSection(&section);
-    EXPECT_TRUE(canEnter());
+    EXPECT_TRUE(othersCanEnter());
     DeleteCriticalSection(&section);
 }
 

@@ -1,9 +1,10 @@
 #pragma once
-// Catches the message boxes of the trace functions while it lives.
+// Catches the message boxes of the trace functions while it lives, and has this thread show them.
 
 #include <string>
 #include <vector>
 
+#include "kalvo/frame/kxtrace.h"
 #include "kalvo/platform/messagebox.h"
 
 namespace Zelkor::Kalvo::Testing {
@@ -16,8 +17,14 @@ public:
         unsigned style;
     };
 
-    TraceRecorder() : m_previous(Platform::SetMessageBoxHandler(Record)) { boxes.clear(); }
-    ~TraceRecorder() { Platform::SetMessageBoxHandler(m_previous); }
+    TraceRecorder() : m_previous(Platform::SetMessageBoxHandler(Record)), m_previousMode(KxGetTraceMode()) {
+        boxes.clear();
+        KxSetTraceMode(KX_TRACE_MODE_MESSAGE);
+    }
+    ~TraceRecorder() {
+        KxSetTraceMode(m_previousMode);
+        Platform::SetMessageBoxHandler(m_previous);
+    }
     TraceRecorder(const TraceRecorder&) = delete;
     TraceRecorder& operator=(const TraceRecorder&) = delete;
 
@@ -42,6 +49,7 @@ private:
 
     inline static thread_local std::vector<Box> boxes;
     Platform::MessageBoxHandler m_previous;
+    KX_TRACE_MODE m_previousMode;
 };
 
 }  // namespace Zelkor::Kalvo::Testing
