@@ -69,17 +69,17 @@ struct ResizeOptions {
 struct ReliefOptions {
     std::string input;
     std::string output;
-    std::string heights;                   ///< another image; empty: the image itself
+    std::string heights = {};              ///< another image; empty: the image itself
     std::array<float, 2> angles{-40, 15};  ///< in degrees
-    std::optional<std::array<float, 3>> scales;
+    std::optional<std::array<float, 3>> scales = {};
     int pointSize = 9;
-    std::optional<PictureSize> size;
+    std::optional<PictureSize> size = {};
 };
 
 struct CubeOptions {
     std::string input;
     std::string output;
-    std::string coordinates;                ///< another image; empty: the image itself
+    std::string coordinates = {};           ///< another image; empty: the image itself
     std::array<float, 2> angles{-155, 35};  ///< in degrees
     PictureSize size{600, 600};
 };

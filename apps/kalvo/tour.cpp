@@ -222,7 +222,8 @@ void Tour::ShowPicture(const std::string& name) {
 }
 
 void Tour::DrawPictures() {
-    Heading("Pictures: the regions with handles and masks, a histogram, a profile");
+    Heading(
+        "Pictures: the regions with handles and masks, a histogram, a profile, a relief, a cube of colours");
     Checked([&] { m_upper.SetRingMask(0.6f); });
     SaveTreePicture(*m_photo, {.handles = true}, File("regions.png"));
     ShowPicture("regions.png");
@@ -232,6 +233,10 @@ void Tour::DrawPictures() {
     AttachPart(row, *m_photo, {0, m_photo->GetHeight() / 3, m_photo->GetWidth(), 1});
     SaveProfile(row, {}, File("profile.png"));
     ShowPicture("profile.png");
+    Check(RunRelief({.input = m_picture.string(), .output = File("relief.png")}) == 0, "relief.png drawn");
+    ShowPicture("relief.png");
+    Check(RunHistogram3d({.input = m_picture.string(), .output = File("cube.png")}) == 0, "cube.png drawn");
+    ShowPicture("cube.png");
 }
 
 void Tour::DragHandle() {

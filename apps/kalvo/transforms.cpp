@@ -13,6 +13,7 @@
 #include "image_file.h"
 #include "pixel_conversion.h"
 #include "pixel_types.h"
+#include "png_file.h"
 #include "region.h"
 
 namespace App {
@@ -28,6 +29,14 @@ constexpr float kFilledPart = 0.9f;                // of a picture
 constexpr PictureSize kLargestRelief{1200, 1200};  // when no size is given
 constexpr int kLargestPicture = 32000;
 
+// The image as one of another pixel type.
+template <class Pixel>
+std::unique_ptr<KxImage<Pixel>> As(KxGenericROI& image) {
+    std::unique_ptr<KxImage<Pixel>> converted;
+    WithPixels<KxImage>(image, [&](const auto& typed) { converted = Convert<Pixel>(typed, kMaker); });
+    return converted;
+}
+
 // Loads an image and, if there is one, a second; makes a picture of them; and saves it.
 template <class Make>
 int Transform(const std::string& input, const std::string& second, const std::string& output,
@@ -36,17 +45,12 @@ int Transform(const std::string& input, const std::string& second, const std::st
     const auto load = [&] { image = LoadImage(input); };
     const auto loadSecond = [&] { other = second.empty() ? nullptr : LoadImage(second); };
     const auto transform = [&] { picture = make(*image, other.get()); };
-    const auto save = [&] { SaveImage(*picture, output, IMAGE_FILE_AUTO); };
+    const auto save = [&] {
+        if (output.ends_with(".png")) return SavePng(*As<KxC24A>(*picture), output);
+        SaveImage(*picture, output, IMAGE_FILE_AUTO);
+    };
     return Attempt(input, load) || Attempt(second, loadSecond) || Attempt(input, transform) ||
            Attempt(output, save);
-}
-
-// The image as one of another pixel type.
-template <class Pixel>
-std::unique_ptr<KxImage<Pixel>> As(KxGenericROI& image) {
-    std::unique_ptr<KxImage<Pixel>> converted;
-    WithPixels<KxImage>(image, [&](const auto& typed) { converted = Convert<Pixel>(typed, kMaker); });
-    return converted;
 }
 
 template <class Pixel>

