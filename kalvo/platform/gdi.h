@@ -152,6 +152,7 @@ KX_API BOOL AlphaBlend(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height,
                        int n32SourceY, int n32SourceWidth, int n32SourceHeight, BLENDFUNCTION blend);
 
 // Texts: UTF-8; bytes that are none stand for the characters of their numbers.
+// Control characters have no width. On a machine without any font texts have no size and draw nothing.
 
 inline constexpr UINT DT_TOP = 0, DT_LEFT = 0, DT_CENTER = 1, DT_RIGHT = 2, DT_VCENTER = 4, DT_BOTTOM = 8,
                       DT_SINGLELINE = 0x20, DT_NOCLIP = 0x100, DT_CALCRECT = 0x400;
@@ -160,6 +161,7 @@ inline constexpr UINT DT_TOP = 0, DT_LEFT = 0, DT_CENTER = 1, DT_RIGHT = 2, DT_V
 KX_API BOOL TextOutA(HDC hDC, int n32X, int n32Y, const char* pText, int n32Length);
 /// Draws lines of text in a rectangle and returns their height. `n32Length` -1 means up to the 0. Vertical
 /// alignment is for `DT_SINGLELINE`. `DT_CALCRECT` sets the rectangle and draws nothing.
+/// A "&" is a character like others, and the text alignment of the context does not matter.
 KX_API int DrawTextA(HDC hDC, const char* pText, int n32Length, RECT* pRect, UINT un32Format);
 /// The size of one line of text in pixels. A line's height is the font's.
 KX_API BOOL GetTextExtentPoint32A(HDC hDC, const char* pText, int n32Length, SIZE* pSize);

@@ -102,8 +102,8 @@ TEST(Extent, ListenersAreCalledInOrderAndMayInterfere) {
 
 TEST(ExtentList, BroadcastsWhenItemsComeAndGo) {
     constexpr GenericRoiExtent a(0, 0, 10, 10), b(1, 2, 3, 4);
+    Ear ear;  // outlives the list, whose end it hears of
     ExtentList list(3);
-    Ear ear;
     list.AddListener(&ear);
     const auto expectHeard = [&](std::size_t times) {
         EXPECT_EQ(std::exchange(ear.heard, {}), Broadcasters(times, &list));
@@ -143,8 +143,8 @@ TEST(ExtentList, BroadcastsWhenItemsComeAndGo) {
 }
 
 TEST(ExtentList, CopiesItemsButNotListeners) {
-    ExtentList list;
     Ear ear;
+    ExtentList list;
     list.AddListener(&ear);
     for (int i = 0; i < 70; ++i) list.Add({i, 0, 1, 1});
     ExtentList copy(list), assigned;
