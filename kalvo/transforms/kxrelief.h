@@ -10,9 +10,8 @@
 ///                   front
 /// @param f32Angle2  turn around its vertical axis, in the current angle unit
 /// @param f32ScaleX, f32ScaleY, f32ScaleZ  destination pixels per column, per row and per grey level
-/// @param n32PointSize  destination pixels per point: 1, 4 (a square), 5 (a plus sign) or 9 (a square).
-/// Points
-///                      that do not fit into the destination are left out.
+/// @param n32PointSize  destination pixels per point: 1, 4 or 9 (a square) or 5 (a plus sign); points that do
+///                      not fit into the destination are left out
 /// Failures are traced as "KxRender3D ( Gray level)" and leave a destination of background only:
 /// `KX_ERROR_IMAGE_MEMORY_ACCESS` when a region has no pixels, `KX_ERROR_PARAMETER_8_OUT_OF_RANGE` for
 /// another point size.

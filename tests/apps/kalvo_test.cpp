@@ -291,7 +291,7 @@ TEST_F(Program, ResizesAndTellsTheNewPixelSize) {
 }
 
 TEST_F(Program, RendersReliefsAndColorCubes) {
-    KxImage<KxC24> photo(40, 30), result;
+    KxImage<KxC24> photo(40, 30);
     FillPattern(photo, 1);
     photo.Save(Path("photo.bmp").c_str());
     Run("convert photo.bmp gray.tif --type bw8");
