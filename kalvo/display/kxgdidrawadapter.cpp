@@ -11,6 +11,7 @@
 #include "kalvo/display/selected_object.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/roundtoint.h"
+#include "kalvo/platform/clock.h"
 
 namespace Zelkor {
 
@@ -40,7 +41,7 @@ SelectedObject SelectNoBrush(HDC hdc) { return {hdc, GetStockObject(NULL_BRUSH),
 SelectedObject SelectTextFont(HDC hdc) {
     constexpr int kPoints = 10;
     constexpr int kPointsPerInch = 72;
-    const int pixels = (kPoints * GetDeviceCaps(hdc, LOGPIXELSY) + kPointsPerInch / 2) / kPointsPerInch;
+    const int pixels = MulDiv(kPoints, GetDeviceCaps(hdc, LOGPIXELSY), kPointsPerInch);
     return {hdc, CreateFontA(-pixels, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, "MS Sans Serif"), Owner::Self};
 }
 

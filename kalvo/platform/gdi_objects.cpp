@@ -107,7 +107,7 @@ private:
         Add(number, new Brush({style, RGB(level, level, level), 0}));
     }
     void AddPen(int number, UINT style, BYTE level) {
-        Add(number, new Pen({style, {0, 0}, RGB(level, level, level)}));
+        Add(number, new Pen({style, {1, 0}, RGB(level, level, level)}));
     }
 
     std::array<GdiObject*, DEFAULT_PALETTE + 1> m_objects{};
