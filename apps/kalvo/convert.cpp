@@ -6,6 +6,7 @@
 #include "image_file.h"
 #include "pixel_conversion.h"
 #include "pixel_types.h"
+#include "region.h"
 
 namespace App {
 namespace {
@@ -36,12 +37,7 @@ template <class From>
 Object ConvertPart(KxImage<From>& image, const ConvertOptions& options) {
     const auto part = options.region.value_or(Extent(0, 0, image.GetWidth(), image.GetHeight()));
     KxROI<From> region;
-    Checked([&] {
-        region.Attach(&image);
-        region.SetPlacement(part.m_n32OrgX, part.m_n32OrgY, part.m_n32Width, part.m_n32Height);
-    });
-    // A region that sticks out is clipped by the library; here that is hardly what was meant.
-    if (region.GetExtent() != part) throw Failure::Of(KX_ERROR_ROI_OUT_OF_PARENT);
+    AttachPart(region, image, part);
 
     Object converted;
     ForPixel<FilePixels>(options.type.value_or(image.GetType()), [&]<class To>(std::type_identity<To>) {
