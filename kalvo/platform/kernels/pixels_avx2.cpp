@@ -3,24 +3,16 @@
 
 #if defined(__x86_64__)
 
-#include "kalvo/platform/kernels/target_region.h"
-
-#include <immintrin.h>
+#include "kalvo/platform/kernels/avx2_vectors.h"
 
 KX_TARGET_BEGIN("avx2")
 
 namespace Zelkor::Kalvo::PixelsAvx2 {
 namespace {
 
-const Kernels& Portable() { return AvailableKernels().front(); }
-
-__m256i Load(const std::uint8_t* bytes) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
-}
-
-void Store(std::uint8_t* bytes, __m256i vector) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), vector);
-}
+using Avx2::Load;
+using Avx2::Portable;
+using Avx2::Store;
 
 // The C library leaves rows to a string instruction. Measured: where that stores a few bytes further on in
 // the page than it loads, as in every row of pictures of one width, it is 9 times slower than this loop.

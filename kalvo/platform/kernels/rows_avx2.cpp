@@ -4,9 +4,7 @@
 
 #if defined(__x86_64__)
 
-#include "kalvo/platform/kernels/target_region.h"
-
-#include <immintrin.h>
+#include "kalvo/platform/kernels/avx2_vectors.h"
 
 #include <algorithm>
 #include <bit>
@@ -17,15 +15,9 @@ KX_TARGET_BEGIN("avx2")
 namespace Zelkor::Kalvo::RowsAvx2 {
 namespace {
 
-const Kernels& Portable() { return AvailableKernels().front(); }
-
-__m256i Load(const std::uint8_t* bytes) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
-}
-
-void Store(std::uint8_t* bytes, __m256i vector) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), vector);
-}
+using Avx2::Load;
+using Avx2::Portable;
+using Avx2::Store;
 
 std::uint32_t MaskOf(__m256i comparison) {
     return static_cast<std::uint32_t>(_mm256_movemask_epi8(comparison));
