@@ -145,7 +145,7 @@ void RegionDib::Draw(HDC hdc, Zoom zoom) {
     const int width = m_rows.width;
     const int height = m_rows.height;
     // The source is counted from the bottom row, even of bitmaps that run downwards.
-    const int fromBottom = TruncateToInt(double{1} * m_bitmapHeight - m_y - height);
+    const int fromBottom = ClampToInt(std::int64_t{m_bitmapHeight} - m_y - height);
     if (zoom.x == 1 && zoom.y == 1) {
         SetDIBitsToDevice(hdc, 0, 0, static_cast<DWORD>(width), static_cast<DWORD>(height), m_x, fromBottom,
                           0, static_cast<UINT>(m_bitmapHeight), m_bits, AsBitmapInfo(m_info), DIB_RGB_COLORS);

@@ -20,8 +20,8 @@ class MovedViewport {
 public:
     MovedViewport(HDC hdc, int x, int y) : m_hdc(hdc) {
         GetViewportOrgEx(hdc, &m_previous);
-        SetViewportOrgEx(hdc, TruncateToInt(double{1} * m_previous.x + x),
-                         TruncateToInt(double{1} * m_previous.y + y), nullptr);
+        SetViewportOrgEx(hdc, ClampToInt(std::int64_t{m_previous.x} + x),
+                         ClampToInt(std::int64_t{m_previous.y} + y), nullptr);
     }
     ~MovedViewport() { SetViewportOrgEx(m_hdc, m_previous.x, m_previous.y, nullptr); }
     MovedViewport(const MovedViewport&) = delete;

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string_view>
 #include <vector>
 
+#include "kalvo/display/gdi_arguments.h"
 #include "kalvo/display/selected_object.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/roundtoint.h"
@@ -15,6 +15,7 @@
 
 namespace Zelkor {
 
+using Kalvo::LengthOf;
 using Kalvo::SelectedObject;
 using Kalvo::TruncateToInt;
 using Owner = SelectedObject::Owner;
@@ -52,7 +53,7 @@ LOGPEN CurrentPen(HDC hdc) {
 }
 
 // The edge beyond the last of `size` + 1 pixels.
-int EdgeBeyond(int origin, int size) { return TruncateToInt(double{1} + origin + size); }
+int EdgeBeyond(int origin, int size) { return Kalvo::ClampToInt(std::int64_t{origin} + size + 1); }
 
 // A shape that fills a box is drawn by one function of the platform, whatever pen and brush are selected.
 using BoxFunction = BOOL (*)(HDC, int, int, int, int);
@@ -62,15 +63,8 @@ void DrawBox(BoxFunction function, HDC hdc, int x, int y, int width, int height)
 }
 
 void DrawPoints(HDC hdc, const DrawPointList& points) {
-    std::vector<POINT> vertices;
-    vertices.reserve(static_cast<std::size_t>(points.GetCount()));
-    for (int i = 0; i < points.GetCount(); ++i)
-        vertices.push_back({TruncateToInt(points[i].x), TruncateToInt(points[i].y)});
+    const std::vector<POINT> vertices = Kalvo::ToPoints(points);
     Polygon(hdc, vertices.data(), points.GetCount());
-}
-
-int LengthOf(std::string_view text) {
-    return static_cast<int>(std::min<std::size_t>(text.size(), std::numeric_limits<int>::max()));
 }
 
 // The size of lines of text in the font that is selected; an empty line has no height.

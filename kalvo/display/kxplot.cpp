@@ -55,7 +55,7 @@ public:
 
     Zelkor::DrawPoint Measure(const std::string& text) override { return m_surface.GetTextExtent(text); }
     void DrawLine(std::int64_t x0, std::int64_t y0, std::int64_t x1, std::int64_t y1) override {
-        m_surface.DrawLine(ToInt(x0), ToInt(y0), ToInt(x1), ToInt(y1), RGBColor::Black);
+        m_surface.DrawLine(ClampToInt(x0), ClampToInt(y0), ClampToInt(x1), ClampToInt(y1), RGBColor::Black);
     }
     void FillPolygon(const Zelkor::DrawPointList& points) override {
         m_surface.FillPolygon(points, RGBColor::Black, RGBColor::Black);
@@ -114,9 +114,9 @@ void KxPlot::DrawAnnotations(PlotCanvas& canvas, int n32Width, int n32Height, in
         const PlotBox box{x, y, x + std::max(n32Width, 0), y + std::max(n32Height, 0)};
         const PlotTitles titles{pszXTitle ? pszXTitle : "", pszYTitle ? pszYTitle : ""};
         const PlotBox area = DrawAxes(canvas, {m_f64XMin, m_f64XMax, m_f64YMin, m_f64YMax}, box, titles);
-        m_n32Left = ToInt(area.left);
-        m_n32Right = ToInt(area.right);
-        m_n32Bottom = ToInt(area.bottom);
-        m_n32Top = ToInt(area.top);
+        m_n32Left = ClampToInt(area.left);
+        m_n32Right = ClampToInt(area.right);
+        m_n32Bottom = ClampToInt(area.bottom);
+        m_n32Top = ClampToInt(area.top);
     });
 }

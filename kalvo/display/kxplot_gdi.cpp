@@ -1,9 +1,8 @@
 // The axes of a plot drawn directly on a device context.
 
-#include <algorithm>
-#include <limits>
 #include <vector>
 
+#include "kalvo/display/gdi_arguments.h"
 #include "kalvo/display/kxplot.h"
 #include "kalvo/display/plotaxes.h"
 #include "kalvo/display/selected_object.h"
@@ -14,10 +13,6 @@ using Zelkor::DrawPoint;
 using Zelkor::DrawPointList;
 
 namespace {
-
-int LengthOf(const std::string& text) {
-    return static_cast<int>(std::min<std::size_t>(text.size(), std::numeric_limits<int>::max()));
-}
 
 // A reference point, and where a text lies as seen from it.
 struct Placement {
@@ -70,20 +65,18 @@ public:
         return {double{1} * size.cx, double{1} * size.cy};
     }
     void DrawLine(std::int64_t x0, std::int64_t y0, std::int64_t x1, std::int64_t y1) override {
-        MoveToEx(m_hdc, ToInt(x0), ToInt(y0), nullptr);
-        LineTo(m_hdc, ToInt(x1), ToInt(y1));
+        MoveToEx(m_hdc, ClampToInt(x0), ClampToInt(y0), nullptr);
+        LineTo(m_hdc, ClampToInt(x1), ClampToInt(y1));
     }
     void FillPolygon(const DrawPointList& points) override {
-        std::vector<POINT> corners;
-        for (int i = 0; i < points.GetCount(); ++i)
-            corners.push_back({TruncateToInt(points[i].x), TruncateToInt(points[i].y)});
+        const std::vector<POINT> corners = ToPoints(points);
         Polygon(m_hdc, corners.data(), points.GetCount());
     }
     void DrawLabel(PlotLabel label, const std::string& text, const PlotLayout& layout,
                    std::int64_t position) override {
         const Placement placement = PlacementOf(label, layout, position);
         SetTextAlign(m_hdc, placement.align);
-        TextOutA(m_hdc, ToInt(placement.x), ToInt(placement.y), text.data(), LengthOf(text));
+        TextOutA(m_hdc, ClampToInt(placement.x), ClampToInt(placement.y), text.data(), LengthOf(text));
     }
     double LongestYLabel(const PlotRanges& ranges) const override { return ranges.yMax - ranges.yMin; }
 

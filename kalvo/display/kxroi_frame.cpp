@@ -40,8 +40,6 @@ struct View {
     Mapping y;
 };
 
-int ToInt(std::int64_t value) { return TruncateToInt(static_cast<double>(value)); }
-
 struct Place {
     int x;
     int y;
@@ -79,7 +77,7 @@ struct FrameBox {
     Place HandleAt(int column, int row) const {
         const std::int64_t columns[] = {left, (left + right) / 2, right};
         const std::int64_t rows[] = {top, (top + bottom) / 2, bottom};
-        return {ToInt(columns[column]), ToInt(rows[row])};
+        return {ClampToInt(columns[column]), ClampToInt(rows[row])};
     }
 };
 
@@ -96,8 +94,8 @@ void DrawHandles(DrawAdapter& surface, const FrameBox& box) {
         for (int column = 0; column < 3; ++column) {
             if (row == 1 && column == 1) continue;
             const Place place = box.HandleAt(column, row);
-            surface.FillRectangle(ToInt(std::int64_t{place.x} - kHandleReach),
-                                  ToInt(std::int64_t{place.y} - kHandleReach), 2 * kHandleReach,
+            surface.FillRectangle(ClampToInt(std::int64_t{place.x} - kHandleReach),
+                                  ClampToInt(std::int64_t{place.y} - kHandleReach), 2 * kHandleReach,
                                   2 * kHandleReach, RGBColor::Current, RGBColor::White);
         }
 }
@@ -151,11 +149,11 @@ template <class Region>
 void DragSide(Region& region, Side side, const Stretch& stretch, int pointer, void (Region::*setOrigin)(int),
               void (Region::*setSize)(int)) {
     if (side == Side::Far)
-        (region.*setSize)(ToInt(std::max<std::int64_t>(pointer, stretch.begin + 1) - stretch.begin));
+        (region.*setSize)(ClampToInt(std::max<std::int64_t>(pointer, stretch.begin + 1) - stretch.begin));
     if (side != Side::Near) return;
     const std::int64_t begin = std::min<std::int64_t>(std::max(pointer, stretch.least), stretch.end - 1);
-    (region.*setOrigin)(ToInt(begin - stretch.begin + stretch.origin));
-    (region.*setSize)(ToInt(stretch.end - begin));
+    (region.*setOrigin)(ClampToInt(begin - stretch.begin + stretch.origin));
+    (region.*setSize)(ClampToInt(stretch.end - begin));
 }
 
 /// Where the pointer counts while it drags a whole region: at most at the far end, moved by the anchor.
@@ -185,8 +183,8 @@ template <class Pixel>
 KX_HANDLES KxROI<Pixel>::HitTest(int n32X, int n32Y, float f32ZoomX, float f32ZoomY, float f32PanX,
                                  float f32PanY) {
     const View view(f32ZoomX, f32ZoomY, f32PanX, f32PanY);
-    m_n32CursorX = ToInt(std::int64_t{view.x.ToImage(n32X)} - m_n32OrgX);
-    m_n32CursorY = ToInt(std::int64_t{view.y.ToImage(n32Y)} - m_n32OrgY);
+    m_n32CursorX = ClampToInt(std::int64_t{view.x.ToImage(n32X)} - m_n32OrgX);
+    m_n32CursorY = ClampToInt(std::int64_t{view.y.ToImage(n32Y)} - m_n32OrgY);
     return FindHandle(FrameBox(*this, view), n32X, n32Y);
 }
 
@@ -202,10 +200,10 @@ void KxROI<Pixel>::Drag(KX_HANDLES eHandle, int n32X, int n32Y, float f32ZoomX, 
     if (eHandle == KX_HANDLE_INSIDE) {
         const std::int64_t pointerX = LimitedPointer(x, m_n32CursorX, columns.end);
         const std::int64_t pointerY = LimitedPointer(y, m_n32CursorY, rows.end);
-        SetOrgX(ToInt(pointerX - m_n32CursorX));
-        SetOrgY(ToInt(pointerY - m_n32CursorY));
-        m_n32CursorX = ToInt(pointerX - m_n32OrgX);
-        m_n32CursorY = ToInt(pointerY - m_n32OrgY);
+        SetOrgX(ClampToInt(pointerX - m_n32CursorX));
+        SetOrgY(ClampToInt(pointerY - m_n32CursorY));
+        m_n32CursorX = ClampToInt(pointerX - m_n32OrgX);
+        m_n32CursorY = ClampToInt(pointerY - m_n32OrgY);
         return;
     }
     DragSide(*this, HorizontalSide(eHandle), columns, x, &KxROI::SetOrgX, &KxROI::SetWidth);

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "kalvo/display/kxdrawadapter.h"
-#include "kalvo/frame/roundtoint.h"
 
 namespace Zelkor::Kalvo {
 
@@ -41,9 +40,6 @@ struct PlotLayout {
 };
 
 enum class PlotLabel { XTick, XEnd, YTick, YTop, YBottom, XTitle, YTitle };
-
-/// A row or column for a surface, which has only those of 32 bits.
-constexpr int ToInt(std::int64_t position) { return TruncateToInt(static_cast<double>(position)); }
 
 /// What axes are drawn with. Rows and columns that no pixel has may occur.
 class PlotCanvas {

@@ -1,6 +1,7 @@
 #pragma once
-// Floating point numbers to 32-bit integers, for any value: what does not fit is clamped, NaN is 0.
+// Floating point and wider numbers to 32-bit integers, for any value: what does not fit is clamped, NaN is 0.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -14,6 +15,12 @@ constexpr std::int32_t TruncateToInt(double value) {
     if (value <= Limits::min()) return Limits::min();
     if (value >= Limits::max()) return Limits::max();
     return static_cast<std::int32_t>(value);
+}
+
+/// `value` itself.
+constexpr std::int32_t ClampToInt(std::int64_t value) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
 }
 
 /// The nearest integer, halves away from zero; the half is added in single precision.

@@ -2,9 +2,7 @@
 // given, and where its rows are. The copying itself is in gdi_blit.
 
 #include <algorithm>
-#include <new>
 #include <span>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -14,16 +12,6 @@
 
 namespace Zelkor::Platform {
 namespace {
-
-// Rows and colour tables take memory; without it a function fails as for any other reason.
-template <class Operation>
-auto FailWithoutMemory(Operation&& operation) noexcept -> std::invoke_result_t<Operation> {
-    try {
-        return operation();
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
-}
 
 bool IsNullOrContext(HDC hDC) { return !hDC || Find<Context>(hDC); }
 

@@ -1,11 +1,12 @@
 // Device contexts: making and deleting them, what is selected into them, their colours and modes.
 
-#include <algorithm>
 #include <initializer_list>
 #include <new>
 #include <utility>
 
+#include "kalvo/platform/gdi_dib.h"
 #include "kalvo/platform/gdi_objects.h"
+#include "kalvo/platform/gdi_raster.h"
 
 namespace Zelkor::Platform {
 namespace {
@@ -33,16 +34,17 @@ HGDIOBJ ReplaceBitmap(Context& context, Bitmap* next) {
     return context.isPaletteDevice || anothers ? nullptr : Replace(context.bitmap, next);
 }
 
-std::unique_ptr<Bitmap> MakeOwnBitmap(int width, int height, PixelLayout layout, std::vector<RGBQUAD> colors,
-                                      int fill) {
-    auto bitmap = std::make_unique<Bitmap>();
-    const std::size_t pitchBytes = (static_cast<std::size_t>(width) * BitsPerPixel(layout) + 31) / 32 * 4;
-    const std::size_t bytes = pitchBytes * height;
-    bitmap->memory = std::make_unique_for_overwrite<std::uint8_t[]>(bytes);
-    std::fill_n(bitmap->memory.get(), bytes, static_cast<std::uint8_t>(fill));
-    bitmap->colors = std::move(colors);
-    bitmap->surface = {bitmap->memory.get(), static_cast<std::ptrdiff_t>(pitchBytes), width, height, layout,
-                       bitmap->colors};
+std::unique_ptr<Bitmap> MakeOwnBitmap(int width, int height, PixelLayout layout,
+                                      std::vector<RGBQUAD> colors) {
+    DibFormat format;
+    format.width = width;
+    format.height = height;
+    format.topDown = true;
+    format.layout = layout;
+    format.rowBytes = RowBytes(width, layout);
+    format.colors = std::move(colors);
+    std::unique_ptr<Bitmap> bitmap = MakeBitmap(std::move(format));
+    if (!bitmap) throw std::bad_alloc();
     bitmap->isStock = true;
     return bitmap;
 }
@@ -83,7 +85,7 @@ Context::~Context() {
 HDC CreatePaletteDC(int width, int height) {
     constexpr int kLargest = 0x7FFF;
     if (width < 1 || height < 1 || width > kLargest || height > kLargest) return nullptr;
-    try {
+    return FailWithoutMemory([&] {
         constexpr std::size_t kEntries = 256;
         const std::span<const PALETTEENTRY> fixed = FixedColors();
         std::vector<RGBQUAD> colors(kEntries);
@@ -91,14 +93,13 @@ HDC CreatePaletteDC(int width, int height) {
             const std::size_t place = i < fixed.size() / 2 ? i : kEntries - fixed.size() + i;
             colors[place] = {fixed[i].peBlue, fixed[i].peGreen, fixed[i].peRed, 0};
         }
-        constexpr int kWhite = kEntries - 1;
-        auto context = std::make_unique<Context>(
-            MakeOwnBitmap(width, height, PixelLayout::Indexed8, std::move(colors), kWhite));
+        constexpr RawPixel kWhite = kEntries - 1;
+        auto context =
+            std::make_unique<Context>(MakeOwnBitmap(width, height, PixelLayout::Indexed8, std::move(colors)));
         context->isPaletteDevice = true;
+        PaintBox(context->Target(), {0, 0, width, height}, kWhite);
         return Publish(std::move(context));
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    });
 }
 
 }  // namespace Zelkor::Platform
@@ -107,12 +108,10 @@ using namespace Zelkor::Platform;
 
 HDC CreateCompatibleDC(HDC hDC) {
     if (hDC && !Find<Context>(hDC)) return nullptr;
-    try {
+    return FailWithoutMemory([&] {
         const std::vector<RGBQUAD> blackAndWhite = {{0, 0, 0, 0}, {255, 255, 255, 0}};
-        return Publish(std::make_unique<Context>(MakeOwnBitmap(1, 1, PixelLayout::Bits1, blackAndWhite, 0)));
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+        return Publish(std::make_unique<Context>(MakeOwnBitmap(1, 1, PixelLayout::Bits1, blackAndWhite)));
+    });
 }
 
 BOOL DeleteDC(HDC hDC) {

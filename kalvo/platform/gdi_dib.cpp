@@ -47,11 +47,11 @@ std::optional<PixelLayout> LayoutOf(const BITMAPINFO& info) {
     return std::nullopt;
 }
 
+}  // namespace
+
 std::size_t RowBytes(int width, PixelLayout layout) {
     return (static_cast<std::size_t>(width) * BitsPerPixel(layout) + 31) / 32 * 4;
 }
-
-}  // namespace
 
 Surface DibFormat::SurfaceAt(std::uint8_t* bits) const {
     return ScansAt(bits, 0, static_cast<std::uint32_t>(height));

@@ -10,6 +10,9 @@
 
 namespace Zelkor::Platform {
 
+// What rows of that many pixels, at least 1, take: a multiple of 4.
+std::size_t RowBytes(int width, PixelLayout layout);
+
 // A checked header: sizes multiply in 64 bits without surprises, and the colour table is complete.
 struct DibFormat {
     int width = 0;   // at least 1

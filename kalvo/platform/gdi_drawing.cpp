@@ -1,7 +1,6 @@
 // The drawing functions: they find the context, move coordinates to the origin of the viewport, choose the
 // pixels of pen and brush, and leave the rest to the shapes.
 
-#include <new>
 #include <utility>
 
 #include "kalvo/platform/gdi.h"
@@ -55,14 +54,11 @@ COLORREF AtPixel(HDC hDC, int x, int y, Operation&& operation) {
 // Calls operation(context); 0 when there is none, or no memory for it.
 template <class Operation>
 BOOL Draw(HDC hDC, Operation&& operation) {
-    Context* context = Find<Context>(hDC);
-    if (!context) return 0;
-    try {
-        operation(*context);
-        return 1;
-    } catch (const std::bad_alloc&) {
-        return 0;
-    }
+    return FailWithoutMemory([&] {
+        Context* context = Find<Context>(hDC);
+        if (context) operation(*context);
+        return BOOL{context != nullptr};
+    });
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <concepts>
 #include <memory>
 #include <span>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -110,6 +111,16 @@ HANDLE Register(std::unique_ptr<GdiObject> object) noexcept;
 
 // Destroys the object and makes its handle stale.
 void Unregister(GdiObject& object) noexcept;
+
+// The edge of the exported functions: without memory they fail as for any other reason, with 0 or null.
+template <class Operation>
+auto FailWithoutMemory(Operation&& operation) noexcept -> std::invoke_result_t<Operation> {
+    try {
+        return operation();
+    } catch (...) {
+        return {};
+    }
+}
 
 // One of the constants of `GetStockObject`; null for any other number.
 GdiObject* StockObject(int number);

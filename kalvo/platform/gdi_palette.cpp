@@ -1,7 +1,6 @@
 // Logical palettes, and how a palette device takes their colours over.
 
 #include <algorithm>
-#include <new>
 
 #include "kalvo/platform/gdi_objects.h"
 
@@ -54,13 +53,11 @@ HPALETTE CreatePalette(const LOGPALETTE* pPalette) {
     if (!pPalette || pPalette->palVersion != kPaletteVersion) return nullptr;
     const std::size_t count = pPalette->palNumEntries;
     if (count < 1 || count > kLargestPalette) return nullptr;
-    try {
+    return FailWithoutMemory([&] {
         const PALETTEENTRY* first = pPalette->palPalEntry;
         return static_cast<HPALETTE>(
             Register(std::make_unique<Palette>(std::vector<PALETTEENTRY>(first, first + count))));
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    });
 }
 
 HPALETTE SelectPalette(HDC hDC, HPALETTE hPalette, BOOL bForceBackground) {

@@ -31,6 +31,11 @@ struct Box {
     }
 };
 
+inline Box Intersection(const Box& a, const Box& b) {
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
+}
+
 inline Span ColumnsOf(const Surface& surface) { return {0, surface.width}; }
 inline Span RowsOf(const Surface& surface) { return {0, surface.height}; }
 

@@ -3,7 +3,6 @@
 #include <cstring>
 #include <limits>
 #include <string_view>
-#include <type_traits>
 
 #include "kalvo/platform/gdi_glyphs.h"
 #include "kalvo/platform/gdi_objects.h"
@@ -63,11 +62,6 @@ std::int64_t WidthOf(SizedFace& face, std::string_view text) {
 }
 
 // Drawing
-
-Box Intersection(const Box& a, const Box& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
 
 // Draws at a place where all of the glyph is on the surface.
 void StoreGlyph(const Surface& surface, const Glyph& glyph, int penX, int baseline, RawPixel pixel) {
@@ -241,16 +235,6 @@ std::int64_t DrawLines(const Context& context, SizedFace& face, std::string_view
 
 // Exported edge
 
-// The neutral result when memory or the system fails inside.
-template <class Operation>
-auto OrNothing(Operation&& operation) noexcept -> std::invoke_result_t<Operation> {
-    try {
-        return operation();
-    } catch (...) {
-        return {};
-    }
-}
-
 bool IsText(const char* text, int length) { return length == 0 || (text && length > 0); }
 
 std::string_view TextOf(const char* text, int length) {
@@ -267,7 +251,7 @@ using namespace Zelkor::Platform;
 BOOL TextOutA(HDC hDC, int n32X, int n32Y, const char* pText, int n32Length) {
     Context* context = Find<Context>(hDC);
     if (!context || !IsText(pText, n32Length)) return 0;
-    return OrNothing([&] {
+    return FailWithoutMemory([&] {
         if (const auto face = FindFace(context->font->logical))
             PlaceText(*context, *face, {n32X, n32Y}, TextOf(pText, n32Length));
         return 1;
@@ -277,7 +261,7 @@ BOOL TextOutA(HDC hDC, int n32X, int n32Y, const char* pText, int n32Length) {
 BOOL GetTextExtentPoint32A(HDC hDC, const char* pText, int n32Length, SIZE* pSize) {
     const Context* context = Find<Context>(hDC);
     if (!context || !pSize || !IsText(pText, n32Length)) return 0;
-    return OrNothing([&] {
+    return FailWithoutMemory([&] {
         const auto face = FindFace(context->font->logical);
         *pSize = face ? MeasureLines(*face, TextOf(pText, n32Length), DT_SINGLELINE) : SIZE{0, 0};
         return 1;
@@ -288,7 +272,7 @@ int DrawTextA(HDC hDC, const char* pText, int n32Length, RECT* pRect, UINT un32F
     const Context* context = Find<Context>(hDC);
     const bool isTerminated = pText && n32Length == -1;
     if (!context || !pRect || !(isTerminated || IsText(pText, n32Length))) return 0;
-    return OrNothing([&] {
+    return FailWithoutMemory([&] {
         const std::string_view text = isTerminated ? std::string_view(pText) : TextOf(pText, n32Length);
         const auto face = FindFace(context->font->logical);
         if (!(un32Format & DT_CALCRECT))
