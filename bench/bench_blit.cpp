@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "kalvo/platform/gdi.h"
+#include "kalvo/gdi/gdi.h"
 
 namespace {
 

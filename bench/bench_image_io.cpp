@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "kalvo/image/kximage.h"
-#include "kalvo/persistence/kxserializer.h"
+#include "kalvo/streams/kxserializer.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The byte kernels of every available instruction set, beside the loop over pixels one would write instead.
-#include "kalvo/platform/kernels/kernels.h"
+#include "kalvo/kernels/kernels.h"
 
 #include <benchmark/benchmark.h>
 
@@ -19,7 +19,7 @@ void SetBit(std::uint8_t* bits, std::size_t index, bool value) {
     bits[index / 8] = static_cast<std::uint8_t>(value ? bits[index / 8] | mask : bits[index / 8] & ~mask);
 }
 
-const Kernels kPlainLoops = {
+const Kernels::Table kPlainLoops = {
     "plain",
     [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
         for (std::size_t i = 0; i < 3 * pixels; i += 3) {
@@ -77,14 +77,14 @@ const Kernels kPlainLoops = {
                 static_cast<std::uint8_t>((source[i] * alpha + destination[i] * (255 - alpha) + 127) / 255);
         }
     },
-    AvailableKernels().front().sha1Blocks,
-    AvailableKernels().front().gatherRow,
+    Kernels::Available().front().sha1Blocks,
+    Kernels::Available().front().gatherRow,
 };
 
 // A job works on a row whose wider side has `size` bytes; one byte more is there for bit offsets.
 struct Job {
     const char* name;
-    void (*run)(const Kernels& kernels, std::uint8_t* source, std::uint8_t* output, std::size_t size);
+    void (*run)(const Kernels::Table& kernels, std::uint8_t* source, std::uint8_t* output, std::size_t size);
 };
 
 constexpr Job kJobs[] = {
@@ -105,7 +105,7 @@ constexpr Job kJobs[] = {
     {"blendConstant", [](auto& k, auto* from, auto* to, auto size) { k.blendConstant(to, from, size, 77); }},
 };
 
-void Measure(benchmark::State& state, const Job& job, const Kernels& kernels) {
+void Measure(benchmark::State& state, const Job& job, const Kernels::Table& kernels) {
     const auto size = static_cast<std::size_t>(state.range(0));
     std::vector<std::uint8_t> source(size + 1), output(size + 1);
     // Without three equal bytes in a row; the output, all 0, is one run.
@@ -118,10 +118,10 @@ void Measure(benchmark::State& state, const Job& job, const Kernels& kernels) {
 }
 
 void RegisterAll() {
-    std::vector<Kernels> sets = {kPlainLoops};
-    for (const Kernels& kernels : AvailableKernels()) sets.push_back(kernels);
+    std::vector<Kernels::Table> sets = {kPlainLoops};
+    for (const Kernels::Table& kernels : Kernels::Available()) sets.push_back(kernels);
     for (const Job& job : kJobs) {
-        for (const Kernels& kernels : sets) {
+        for (const Kernels::Table& kernels : sets) {
             benchmark::RegisterBenchmark(
                 (std::string(job.name) + "/" + kernels.name).c_str(),
                 [&job, kernels](benchmark::State& state) { Measure(state, job, kernels); })

@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-#include "kalvo/platform/gdi.h"
-#include "kalvo/vectors/kxpixelvector.h"
+#include "kalvo/display/kxpixelvector.h"
+#include "kalvo/gdi/gdi.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <memory>
 #include <vector>
 
+#include "kalvo/archive/recordtransfer.h"
 #include "kalvo/frame/kxtrace.h"
 #include "kalvo/image/regionrows.h"
-#include "kalvo/persistence/recordtransfer.h"
-#include "kalvo/persistence/streambytes.h"
+#include "kalvo/streams/streambytes.h"
 #include "fuzz/require.h"
 
 namespace {

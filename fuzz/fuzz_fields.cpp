@@ -7,7 +7,7 @@
 
 #include "kalvo/frame/kxtrace.h"
 #include "kalvo/image/regionrows.h"
-#include "kalvo/persistence/kxjpeghandler.h"
+#include "kalvo/imagefiles/kxjpeghandler.h"
 #include "fuzz/require.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include "kalvo/frame/kxexception.h"
 #include "kalvo/frame/kxtrace.h"
 #include "kalvo/image/kximage.h"
-#include "kalvo/persistence/imagefile.h"
+#include "kalvo/imagefiles/imagefile.h"
 #include "fuzz/require.h"
 
 namespace Zelkor::Kalvo::Fuzzing {

@@ -1,8 +1,8 @@
 #pragma once
 // A picture in memory to draw on.
 
+#include "kalvo/gdi/gdi.h"
 #include "kalvo/image/kximage.h"
-#include "kalvo/platform/gdi.h"
 
 namespace App {
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "kalvo/display/kxpixelvector.h"
 #include "kalvo/image/kximagefiletypes.h"
-#include "kalvo/image/kxpixel.h"
-#include "kalvo/measure/kxroiextent.h"
-#include "kalvo/persistence/kxjpeghandler.h"
-#include "kalvo/vectors/kxpixelvector.h"
+#include "kalvo/image/kxroiextent.h"
+#include "kalvo/imagefiles/kxjpeghandler.h"
+#include "kalvo/pixels/kxpixel.h"
 #include "plot_picture.h"
 
 namespace App {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "kalvo/persistence/kxserializer.h"
+#include "kalvo/streams/kxserializer.h"
 #include "failure.h"
 #include "pixel_types.h"
 

@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "kalvo/display/kxgdidrawadapter.h"
-#include "kalvo/vectors/kxpixelvector.h"
+#include "kalvo/display/kxpixelvector.h"
 #include "canvas.h"
 #include "pixel_conversion.h"
 #include "png_file.h"

@@ -7,7 +7,7 @@
 
 #include "kalvo/frame/kxlibrary.h"
 #include "kalvo/measure/kxunit.h"
-#include "kalvo/persistence/kxserializer.h"
+#include "kalvo/streams/kxserializer.h"
 #include "commands.h"
 #include "comparison.h"
 #include "description.h"

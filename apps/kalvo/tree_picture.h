@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "kalvo/display/kxpixelvector.h"
 #include "kalvo/image/kxgenericroi.h"
-#include "kalvo/vectors/kxpixelvector.h"
 
 namespace App {
 

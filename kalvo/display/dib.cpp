@@ -8,7 +8,7 @@
 
 #include "kalvo/display/selected_object.h"
 #include "kalvo/frame/roundtoint.h"
-#include "kalvo/platform/kernels/kernels.h"
+#include "kalvo/kernels/kernels.h"
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -95,7 +95,7 @@ SelectedPalette::~SelectedPalette() {
 void CopyPixels(const ConstRegionRows& from, const RegionRows& to, int bitsPerPixel) {
     const std::size_t bits = std::size_t{1} * from.width * bitsPerPixel;
     for (int y = 0; y < from.height; ++y)
-        ActiveKernels().copyBits(from.Row(y), from.firstBit, to.Row(y), to.firstBit, bits);
+        Kernels::Active().copyBits(from.Row(y), from.firstBit, to.Row(y), to.firstBit, bits);
 }
 
 RegionRows BitmapRows(void* bits, const DibType& type, int width, int height) {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "kalvo/frame/kxthread.h"
+#include "kalvo/gdi/gdi.h"
 #include "kalvo/image/regionrows.h"
-#include "kalvo/platform/gdi.h"
 
 namespace Zelkor::Kalvo {
 

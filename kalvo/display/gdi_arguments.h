@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "kalvo/base/win32types.h"
 #include "kalvo/display/kxdrawadapter.h"
 #include "kalvo/frame/roundtoint.h"
-#include "kalvo/platform/win32types.h"
 
 namespace Zelkor::Kalvo {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 class KxGenericROI;
 

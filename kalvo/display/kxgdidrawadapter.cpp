@@ -7,11 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "kalvo/base/clock.h"
 #include "kalvo/display/gdi_arguments.h"
 #include "kalvo/display/selected_object.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/roundtoint.h"
-#include "kalvo/platform/clock.h"
 
 namespace Zelkor {
 

@@ -1,8 +1,8 @@
 #pragma once
 // The surface that draws on a device context.
 
+#include "kalvo/base/win32types.h"
 #include "kalvo/display/kxdrawadapter.h"
-#include "kalvo/platform/win32types.h"
 
 namespace Zelkor {
 

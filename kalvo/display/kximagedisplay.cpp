@@ -4,8 +4,11 @@
 
 #include "kalvo/display/dib.h"
 #include "kalvo/display/grayreduction.h"
+#include "kalvo/display/kxpixelvector.h"
 #include "kalvo/frame/boundary.h"
-#include "kalvo/vectors/kxpixelvector.h"
+#include "kalvo/frame/thread_slot.h"
+
+#include <utility>
 
 using namespace Zelkor::Kalvo;
 
@@ -25,7 +28,12 @@ void CheckPixels(const KxGenericROI& region) {
     if (!top->GetGenericImagePtr(0, 0)) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
 }
 
-// Made on first use from the colours of that time, and kept.
+void DeletePalettes(OzzoTLSStruct& record) {
+    for (HPALETTE* palette : {&record.m_hGrayPalette, &record.m_hColorPalette})
+        if (*palette) DeleteObject(std::exchange(*palette, nullptr));
+}
+
+// Made on first use from the colours of that time, and kept for the life of the thread.
 HPALETTE ThreadPalette(PaletteKind kind, OzzoTLSStruct& record) {
     const bool isGray = kind == PaletteKind::Gray;
     HPALETTE& handle = isGray ? record.m_hGrayPalette : record.m_hColorPalette;
@@ -33,6 +41,7 @@ HPALETTE ThreadPalette(PaletteKind kind, OzzoTLSStruct& record) {
     if (!handle) {
         FillPalette(kind, record.m_BitmapInfo, palette);
         handle = CreatePalette(AsLogPalette(palette));
+        ReleasePalettesWith(DeletePalettes);
     }
     return handle;
 }

@@ -5,10 +5,10 @@
 
 #include "kalvo/display/kxdrawadapter.h"
 #include "kalvo/display/kxgdidrawadapter.h"
+#include "kalvo/display/kxpixelvector.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/roundtoint.h"
-#include "kalvo/platform/gdi.h"
-#include "kalvo/vectors/kxpixelvector.h"
+#include "kalvo/gdi/gdi.h"
 
 using namespace Zelkor::Kalvo;
 using Zelkor::DrawAdapter;

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "kalvo/frame/kxexport.h"
-#include "kalvo/platform/win32types.h"
+#include "kalvo/base/kxexport.h"
+#include "kalvo/base/win32types.h"
 
 namespace Zelkor {
 struct DrawAdapter;

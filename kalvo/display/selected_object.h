@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "kalvo/platform/gdi.h"
+#include "kalvo/gdi/gdi.h"
 
 namespace Zelkor::Kalvo {
 

@@ -1,8 +1,8 @@
 #pragma once
 // The calling thread's error slot and the texts of its codes.
 
+#include "kalvo/base/kxexport.h"
 #include "kalvo/frame/kxerror_codes.h"
-#include "kalvo/frame/kxexport.h"
 
 /// Every operation that fails stores a code in the error slot of the calling thread and returns normally.
 /// Codes below 1000 are successes (0) and warnings, codes from 1000 up are failures. Nothing clears the slot

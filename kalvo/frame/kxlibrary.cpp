@@ -4,9 +4,9 @@
 
 #include <cstdlib>
 
+#include "kalvo/base/cpu.h"
 #include "kalvo/frame/kxthread.h"
 #include "kalvo/frame/thread_slot.h"
-#include "kalvo/platform/cpu.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 // Life of the library, its version, and the settings that hold for the process or for the calling thread.
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 /// Runs the library's life cycle: `un32Reason` 1 process attach, 2 thread attach, 3 thread detach, 0 process
 /// detach. Loading and unloading the shared object, and the end of a thread, do this by themselves.

@@ -2,25 +2,23 @@
 
 #include "kalvo/frame/kxthread.h"
 
+#include <atomic>
 #include <new>
 
+#include "kalvo/base/tls.h"
 #include "kalvo/frame/thread_slot.h"
-#include "kalvo/platform/gdi.h"
-#include "kalvo/platform/tls.h"
 
 namespace {
 
 constinit OzzoTLSStruct loadingThreadRecord{};
 constinit DWORD recordSlot = TLS_OUT_OF_INDEXES;
 constinit bool slotIsOpen = false;
+constinit std::atomic<void (*)(OzzoTLSStruct&)> releasePalettes = nullptr;
 
 void ReleaseRecord(void* record) {
     auto* released = static_cast<OzzoTLSStruct*>(record);
     if (!released) return;
-    for (HPALETTE* palette : {&released->m_hGrayPalette, &released->m_hColorPalette}) {
-        if (*palette) DeleteObject(*palette);
-        *palette = nullptr;
-    }
+    if (const auto release = releasePalettes.load()) release(*released);
     if (released != &loadingThreadRecord) delete released;
 }
 
@@ -34,6 +32,8 @@ OzzoTLSStruct* MakeRecord() {
 }  // namespace
 
 namespace Zelkor::Kalvo {
+
+void ReleasePalettesWith(void (*release)(OzzoTLSStruct& record)) { releasePalettes = release; }
 
 void OpenThreadSlot() {
     if (slotIsOpen) return;

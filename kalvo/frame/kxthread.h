@@ -4,9 +4,9 @@
 #include <array>
 #include <cstdint>
 
+#include "kalvo/base/win32types.h"
 #include "kalvo/frame/kxerror.h"
 #include "kalvo/frame/kxtrace.h"
-#include "kalvo/platform/win32types.h"
 
 /// A logical palette of up to 256 entries.
 struct KxLogicalPalette {

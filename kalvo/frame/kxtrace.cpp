@@ -5,8 +5,8 @@
 #include <exception>
 #include <string>
 
+#include "kalvo/base/messagebox.h"
 #include "kalvo/frame/kxthread.h"
-#include "kalvo/platform/messagebox.h"
 
 namespace {
 

@@ -1,7 +1,12 @@
 #pragma once
 // The thread-local slot behind the per-thread records, opened and closed with the library.
 
+struct OzzoTLSStruct;
+
 namespace Zelkor::Kalvo {
+
+/// Has `release` delete the palettes of each record that ends; until somebody says so, no record has any.
+void ReleasePalettesWith(void (*release)(OzzoTLSStruct& record));
 
 /// Makes the slot and gives the calling thread the static record. Does nothing when the slot exists.
 void OpenThreadSlot();

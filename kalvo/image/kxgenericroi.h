@@ -6,12 +6,12 @@
 #include <memory>
 #include <ostream>
 
+#include "kalvo/base/win32types.h"
 #include "kalvo/frame/kxerror.h"
 #include "kalvo/image/kxframe.h"
-#include "kalvo/image/kxpixel.h"
-#include "kalvo/measure/kxroiextent.h"
-#include "kalvo/persistence/kxserializer.h"
-#include "kalvo/platform/win32types.h"
+#include "kalvo/image/kxroiextent.h"
+#include "kalvo/pixels/kxpixel.h"
+#include "kalvo/streams/kxserializer.h"
 
 class KxMeasurementUnit;
 

@@ -3,7 +3,7 @@
 
 #include "kalvo/image/kxgenericroi.h"
 #include "kalvo/image/kximagefiletypes.h"
-#include "kalvo/image/kxpixellist.h"
+#include "kalvo/pixels/kxpixellist.h"
 #include "kalvo/vectors/kxvector.h"
 
 class KxBW8Vector;

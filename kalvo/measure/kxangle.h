@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 /// Units of angles.
 enum KX_ANGLE_UNITS : std::int32_t {

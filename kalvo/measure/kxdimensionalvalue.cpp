@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "kalvo/frame/boundary.h"
-#include "kalvo/persistence/kxserializer.h"
-#include "kalvo/persistence/streambytes.h"
+#include "kalvo/streams/kxserializer.h"
+#include "kalvo/streams/streambytes.h"
 
 using namespace Zelkor::Kalvo;
 

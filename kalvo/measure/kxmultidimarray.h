@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 /// Lays out an array in a block: first a level of pointers for every dimension but the last, then the data,
 /// without gaps. A level has as many entries as the product of the extents up to its own.

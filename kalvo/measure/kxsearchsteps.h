@@ -1,7 +1,7 @@
 #pragma once
 // How finely a search over rotation and scale has to step.
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 /// Step sizes and counts for a search of a pattern over angles and scales: from one step to the next, a point
 /// at the mean distance from the centre of the pattern moves by about one pixel.

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <span>
 
-#include "kalvo/platform/kernels/kernels.h"
+#include "kalvo/kernels/kernels.h"
 
 namespace {
 
@@ -45,7 +45,7 @@ void CSHA1::Reset() {
 
 void CSHA1::Update(const unsigned char* pun8Data, unsigned int un32Length) {
     if (un32Length == 0) return;
-    const Zelkor::Kalvo::Kernels& kernels = Zelkor::Kalvo::ActiveKernels();
+    const Zelkor::Kernels::Table& kernels = Zelkor::Kernels::Active();
     const std::size_t buffered = m_un64BitCount / 8 % kBlockSize;
     m_un64BitCount += std::uint64_t{un32Length} * 8;
     std::span<const unsigned char> rest(pun8Data, un32Length);

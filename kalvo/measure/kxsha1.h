@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 /// Computes the digest of a message that comes in pieces: `Update` for each piece, `Final`, and then the
 /// result. `Reset` starts the next message. Objects may be copied at any time; nothing here fails.

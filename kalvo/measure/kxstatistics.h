@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 /// Keeps the last samples, up to a fixed number, and computes statistics over those it holds. Sums are taken
 /// in single precision, in the order of the ring of samples. Used by one thread at a time.

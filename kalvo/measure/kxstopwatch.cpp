@@ -7,8 +7,8 @@
 #include <atomic>
 #include <limits>
 
+#include "kalvo/base/clock.h"
 #include "kalvo/frame/kxthread.h"
-#include "kalvo/platform/clock.h"
 
 namespace {
 

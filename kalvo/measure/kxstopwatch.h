@@ -1,7 +1,7 @@
 #pragma once
 // A stopwatch for each thread.
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 /// Starts the calling thread's stopwatch.
 KX_API void KxStartTiming();

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 
 /// A length unit. Copied member by member. The name is kept in the form it was last set in, narrow or UTF-16;
 /// reading the other form gives the same bytes reinterpreted.

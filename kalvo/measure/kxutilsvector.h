@@ -5,7 +5,7 @@
 #include <memory>
 #include <type_traits>
 
-#include "kalvo/frame/kxexport.h"
+#include "kalvo/base/kxexport.h"
 #include "kalvo/frame/kxlibrary.h"
 
 namespace Zelkor::Kalvo::Utils {

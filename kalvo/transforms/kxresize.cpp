@@ -10,10 +10,11 @@
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/checkedsize.h"
 #include "kalvo/image/regionrows.h"
-#include "kalvo/platform/kernels/gatherplan.h"
-#include "kalvo/platform/kernels/kernels.h"
+#include "kalvo/kernels/gatherplan.h"
+#include "kalvo/kernels/kernels.h"
 
 using namespace Zelkor::Kalvo;
+namespace Kernels = Zelkor::Kernels;
 
 namespace {
 
@@ -41,14 +42,14 @@ private:
     std::int64_t m_fraction = 0;
 };
 
-GatherPlan PlanColumns(int sourceWidth, int destinationWidth, std::size_t bytesPerPixel) {
+Kernels::GatherPlan PlanColumns(int sourceWidth, int destinationWidth, std::size_t bytesPerPixel) {
     std::vector<std::int32_t> columns(destinationWidth);
     SourceIndex index(sourceWidth, destinationWidth);
     for (std::int32_t& column : columns) {
         column = *index;
         ++index;
     }
-    return MakeGatherPlan(std::move(columns), sourceWidth, bytesPerPixel);
+    return Kernels::MakeGatherPlan(std::move(columns), sourceWidth, bytesPerPixel);
 }
 
 // Copies whole pixels, so only their size matters.
@@ -56,7 +57,7 @@ void ResampleNearest(const ConstRegionRows& source, const RegionRows& destinatio
                      std::size_t bytesPerPixel) {
     const std::size_t rowBytes = bytesPerPixel * destination.width;
     const bool sameWidth = source.width == destination.width;
-    GatherPlan plan{};
+    Kernels::GatherPlan plan{};
     if (!sameWidth) plan = PlanColumns(source.width, destination.width, bytesPerPixel);
 
     SourceIndex row(source.height, destination.height);
@@ -69,7 +70,7 @@ void ResampleNearest(const ConstRegionRows& source, const RegionRows& destinatio
         else if (sameWidth)
             std::memcpy(to, from, rowBytes);
         else
-            ActiveKernels().gatherRow(plan, from, to);
+            Kernels::Active().gatherRow(plan, from, to);
         previous = from;
     }
 }

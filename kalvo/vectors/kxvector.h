@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "kalvo/frame/kxexport.h"
-#include "kalvo/image/kxpixel.h"
+#include "kalvo/base/kxexport.h"
+#include "kalvo/pixels/kxpixel.h"
 
 /// A growable array of plain elements, with a small binary file format of its own. It exists for `KxBW8`,
 /// `KxBW16`, `KxBW32`, `KxC24`, `KxINT32`, `unsigned int` and `KxRun`.

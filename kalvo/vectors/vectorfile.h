@@ -10,9 +10,9 @@
 #include <optional>
 #include <span>
 
+#include "kalvo/base/file.h"
 #include "kalvo/frame/kxexception.h"
-#include "kalvo/persistence/byteorder.h"
-#include "kalvo/platform/file.h"
+#include "kalvo/streams/byteorder.h"
 #include "kalvo/vectors/kxvector.h"
 
 namespace Zelkor::Kalvo {

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <thread>
 
+#include "kalvo/display/kxpixelvector.h"
 #include "kalvo/frame/kxthread.h"
-#include "kalvo/vectors/kxpixelvector.h"
 #include "tests/support/picture.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"

@@ -7,8 +7,8 @@
 #include <climits>
 #include <cmath>
 
+#include "kalvo/display/kxpixelvector.h"
 #include "kalvo/frame/kxerror.h"
-#include "kalvo/vectors/kxpixelvector.h"
 #include "tests/support/picture.h"
 #include "tests/support/recording_surface.h"
 #include "tests/support/trace_recorder.h"

@@ -7,11 +7,11 @@
 #include <cmath>
 #include <new>
 
+#include "kalvo/base/clock.h"
 #include "kalvo/frame/kxthread.h"
 #include "kalvo/measure/kxangle.h"
 #include "kalvo/measure/kxsearchsteps.h"
 #include "kalvo/measure/kxstopwatch.h"
-#include "kalvo/platform/clock.h"
 #include "tests/support/trace_recorder.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "kalvo/persistence/byteorder.h"
+#include "kalvo/streams/byteorder.h"
 #include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo::Testing {

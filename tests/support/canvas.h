@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "kalvo/platform/gdi_surface.h"
+#include "kalvo/raster/surface.h"
 
 namespace Zelkor::Platform {
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "kalvo/platform/libjpeg.h"
+#include "kalvo/imagefiles/libjpeg.h"
 #include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo::Testing {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "kalvo/display/kxgdidrawadapter.h"
+#include "kalvo/gdi/gdi.h"
 #include "kalvo/image/kximage.h"
-#include "kalvo/platform/gdi.h"
 
 namespace Zelkor::Kalvo::Testing {
 

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "kalvo/image/regionrows.h"
-#include "kalvo/platform/kernels/kernels.h"
+#include "kalvo/kernels/kernels.h"
 #include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo::Testing {
@@ -22,7 +22,7 @@ inline Bytes PixelBytes(const KxGenericROI& region) {
                       bits = std::size_t{1} * region.GetWidth() * region.GetBitsPerPixel();
     Bytes bytes(rowBytes * rows.height);
     for (int y = 0; y < rows.height; ++y)
-        ActiveKernels().copyBits(rows.Row(y), rows.firstBit, bytes.data() + rowBytes * y, 0, bits);
+        Kernels::Active().copyBits(rows.Row(y), rows.firstBit, bytes.data() + rowBytes * y, 0, bits);
     return bytes;
 }
 
@@ -32,7 +32,7 @@ inline void SetPixelBytes(KxGenericROI& region, const Bytes& bytes) {
     const std::size_t rowBytes = RowBytes(region),
                       bits = std::size_t{1} * region.GetWidth() * region.GetBitsPerPixel();
     for (int y = 0; y < rows.height; ++y)
-        ActiveKernels().copyBits(bytes.data() + rowBytes * y, 0, rows.Row(y), rows.firstBit, bits);
+        Kernels::Active().copyBits(bytes.data() + rowBytes * y, 0, rows.Row(y), rows.firstBit, bits);
 }
 
 /// Fills a region with noise; another seed gives other noise.

@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "kalvo/image/kxpixellist.h"
+#include "kalvo/pixels/kxpixellist.h"
 
 namespace Zelkor::Kalvo::Testing {
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "kalvo/persistence/kxserializer.h"
+#include "kalvo/streams/kxserializer.h"
 #include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo::Testing {

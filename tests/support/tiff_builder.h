@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "kalvo/persistence/tiff.h"
+#include "kalvo/imagefiles/tiff.h"
 #include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo::Testing {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "kalvo/base/messagebox.h"
 #include "kalvo/frame/kxtrace.h"
-#include "kalvo/platform/messagebox.h"
 
 namespace Zelkor::Kalvo::Testing {
 

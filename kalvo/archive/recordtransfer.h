@@ -1,0 +1,128 @@
+#pragma once
+// The record of an archived object with everything below it, walked without recursion: an archive may nest a
+// thousand levels, and the thread's stack may be small.
+
+#include <cstdint>
+#include <cstdio>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <tuple>
+#include <type_traits>
+
+#include "kalvo/archive/archivedobject.h"
+#include "kalvo/image/kximage.h"
+
+namespace Zelkor::Kalvo {
+
+/// What the walk needs to know of a class whose objects are archived.
+struct ArchivedClass {
+    std::unique_ptr<KxGenericROI> (*create)();
+    void (*makeEmpty)(KxGenericROI&);
+    void (*transferFields)(KxGenericROI&, KxSerializer&, unsigned version);  ///< what follows the placement
+};
+
+/// The first so many of PixelTypes have object types.
+inline constexpr std::size_t kNumArchivedPixelTypes = std::tuple_size_v<PixelTypes> - 2;
+
+template <class Pixel, std::size_t index = 0>
+constexpr std::size_t IndexOfPixelType() {
+    if constexpr (std::is_same_v<Pixel, std::tuple_element_t<index, PixelTypes>>)
+        return index;
+    else
+        return IndexOfPixelType<Pixel, index + 1>();
+}
+
+/// The object type of KxROI<Pixel> or KxImage<Pixel>; NoObject for the pixel types that have none.
+template <class Object>
+constexpr KxSerializer::ObjectType ObjectTypeOf() {
+    using Pixel = typename Object::PixelType;
+    constexpr std::size_t kIndex = IndexOfPixelType<Pixel>();
+    if (kIndex >= kNumArchivedPixelTypes) return KxSerializer::NoObject;
+    const int first = std::is_same_v<Object, KxImage<Pixel>> ? KxSerializer::ImageBW1 : KxSerializer::ROIBW1;
+    return static_cast<KxSerializer::ObjectType>(first + static_cast<int>(kIndex));
+}
+
+/// The same, throwing KX_ERROR_NEEDS_SPECIALIZATION for the pixel types that have none.
+template <class Object>
+KxSerializer::ObjectType RequireObjectTypeOf() {
+    if constexpr (ObjectTypeOf<Object>() == KxSerializer::NoObject)
+        throw Exception(KX_ERROR_NEEDS_SPECIALIZATION);
+    return ObjectTypeOf<Object>();
+}
+
+/// The class of that object type; null when archives hold no such object.
+const ArchivedClass* FindArchivedClass(KxSerializer::ObjectType type);
+
+/// Runs a transfer on an open file of the caller. Failures end in the error slot, untraced.
+template <class Operation>
+void WithOpenFile(std::FILE* file, int writing, const Operation& operation) {
+    const auto run = [&] {
+        KxFilePointerSerializer stream(file, writing);
+        operation(stream);
+    };
+    AtBoundary(nullptr, run, KX_ERROR_ARCHIVE_ACCESS);
+}
+
+/// Moves one object, its children and their children between memory and a stream.
+class RecordTransfer {
+public:
+    /// Deepest nesting of children, read and written.
+    static constexpr std::size_t kMaxLevels = 1000;
+
+    /// The class `Object` (KxROI<Pixel> or KxImage<Pixel>) as an archived class.
+    template <class Object>
+    static const ArchivedClass& ClassOf();
+
+    explicit RecordTransfer(KxSerializer& stream) : m_stream(stream), m_reading(stream.IsReading()) {}
+    RecordTransfer(const RecordTransfer&) = delete;
+    RecordTransfer& operator=(const RecordTransfer&) = delete;
+    ~RecordTransfer();
+
+    /// Exchanges the record of `root`, without its header. When reading fails the object is left empty, and
+    /// the code of the first failure is thrown.
+    void Run(KxGenericROI& root, const ArchivedClass& rootClass, unsigned version);
+
+private:
+    // An object whose record has been begun.
+    struct Level {
+        Level(KxGenericROI* levelObject, const ArchivedClass* levelClass)
+            : object(levelObject), archivedClass(levelClass) {}
+
+        KxGenericROI* object;
+        const ArchivedClass* archivedClass;
+        unsigned version = 0;
+        std::unique_ptr<KxGenericROI> made;  // reading: owns the object until its parent does
+        std::uint32_t childrenLeft = 0;
+        KxGenericROI* child = nullptr;           // reading: the last child; writing: the next one
+        std::optional<StreamRewinder> rewinder;  // none for the root, whose caller rewinds
+    };
+
+    void Walk();
+    void BeginRecord(Level& level);
+    void BeginNextChild();
+    void EndRecord();
+    bool HoldsTopOfRegions(const Level& level) const;
+    void AbsorbChildFailure();
+    void ThrowChildFailure() const;
+
+    KxSerializer& m_stream;
+    bool m_reading;
+    KX_ERRORS m_childFailure = KX_OK;  // of the first child that could not be read
+    std::deque<Level> m_levels;
+};
+
+template <class Object>
+const ArchivedClass& RecordTransfer::ClassOf() {
+    static constexpr ArchivedClass kClass = {
+        .create = []() -> std::unique_ptr<KxGenericROI> { return std::make_unique<Object>(); },
+        .makeEmpty = [](KxGenericROI& object) { static_cast<Object&>(object).MakeEmpty(); },
+        .transferFields =
+            [](KxGenericROI& object, KxSerializer& stream, unsigned version) {
+                static_cast<Object&>(object).SerializeFields(stream, version);
+            },
+    };
+    return kClass;
+}
+
+}  // namespace Zelkor::Kalvo

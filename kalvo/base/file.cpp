@@ -1,0 +1,62 @@
+// Opening, closing and measuring standard I/O files.
+
+#include "kalvo/base/file.h"
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <utility>
+
+namespace Zelkor::Platform {
+namespace {
+
+bool IsFolder(std::FILE* stream) {
+    struct stat status;
+    return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+std::optional<std::string> Utf8FromUtf16(const unsigned short* text) {
+    std::u16string units;
+    for (; *text; ++text) units.push_back(static_cast<char16_t>(*text));
+    try {
+        return std::filesystem::path(units).string();
+    } catch (const std::filesystem::filesystem_error&) {
+        return std::nullopt;
+    }
+}
+
+File::File(const char* name, const char* mode) : m_stream(name ? std::fopen(name, mode) : nullptr) {
+    // fopen takes folders for reading: nothing can be read from one, and its size is nonsense.
+    if (m_stream && IsFolder(m_stream)) Close();
+}
+
+File::File(const unsigned short* name, const char* mode) {
+    if (!name) return;
+    if (const auto narrow = Utf8FromUtf16(name)) *this = File(narrow->c_str(), mode);
+}
+
+File& File::operator=(File&& other) noexcept {
+    if (this != &other) {
+        Close();
+        m_stream = other.Release();
+    }
+    return *this;
+}
+
+bool File::Close() {
+    std::FILE* stream = Release();
+    return !stream || std::fclose(stream) == 0;
+}
+
+std::FILE* File::Release() { return std::exchange(m_stream, nullptr); }
+
+std::int64_t SizeOf(std::FILE* stream) {
+    const std::int64_t position = Position(stream);
+    if (position < 0 || fseeko(stream, 0, SEEK_END) != 0) return -1;
+    const std::int64_t size = Position(stream);
+    return Seek(stream, position) ? size : -1;
+}
+
+}  // namespace Zelkor::Platform

@@ -1,0 +1,132 @@
+// What stands behind the handles: pens, brushes, fonts, bitmaps, palettes and contexts, and the table of
+// handles.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <concepts>
+#include <memory>
+#include <span>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "kalvo/gdi/gdi.h"
+#include "kalvo/raster/surface.h"
+
+namespace Zelkor::Platform {
+
+enum class ObjectKind : std::uint8_t { Context, Pen, Brush, Font, Bitmap, Palette };
+
+struct GdiObject {
+    explicit GdiObject(ObjectKind objectKind) : kind(objectKind) {}
+    GdiObject(const GdiObject&) = delete;
+    GdiObject& operator=(const GdiObject&) = delete;
+    virtual ~GdiObject() = default;
+
+    const ObjectKind kind;
+    bool isStock = false;           // not the caller's to delete, and not counted
+    std::atomic<int> contexts = 0;  // in how many contexts it is selected
+    HANDLE handle = nullptr;        // its own
+};
+
+struct Pen final : GdiObject {
+    static constexpr ObjectKind kKind = ObjectKind::Pen;
+    explicit Pen(const LOGPEN& description) : GdiObject(kKind), logical(description) {}
+    bool Draws() const { return logical.lopnStyle != PS_NULL; }
+    int Width() const { return logical.lopnWidth.x > 1 ? logical.lopnWidth.x : 1; }
+
+    const LOGPEN logical;
+};
+
+struct Brush final : GdiObject {
+    static constexpr ObjectKind kKind = ObjectKind::Brush;
+    explicit Brush(const LOGBRUSH& description) : GdiObject(kKind), logical(description) {}
+    bool Draws() const { return logical.lbStyle != BS_NULL; }
+
+    const LOGBRUSH logical;
+};
+
+struct Font final : GdiObject {
+    static constexpr ObjectKind kKind = ObjectKind::Font;
+    explicit Font(const LOGFONTA& description) : GdiObject(kKind), logical(description) {}
+
+    const LOGFONTA logical;
+};
+
+struct Bitmap final : GdiObject {
+    static constexpr ObjectKind kKind = ObjectKind::Bitmap;
+    Bitmap() : GdiObject(kKind) {}
+
+    Surface surface;  // refers to the two below
+    std::unique_ptr<std::uint8_t[]> memory;
+    std::vector<RGBQUAD> colors;
+};
+
+struct Palette final : GdiObject {
+    static constexpr ObjectKind kKind = ObjectKind::Palette;
+    explicit Palette(std::vector<PALETTEENTRY> list) : GdiObject(kKind), entries(std::move(list)) {}
+
+    const std::vector<PALETTEENTRY> entries;
+};
+
+// Selected objects are never null. The pointers stay valid because selected objects can't be deleted.
+struct Context final : GdiObject {
+    static constexpr ObjectKind kKind = ObjectKind::Context;
+    // Takes the bitmap over, registers it and selects it and the other defaults.
+    explicit Context(std::unique_ptr<Bitmap> first);
+    ~Context() override;
+
+    Pen* pen = nullptr;
+    Brush* brush = nullptr;
+    Font* font = nullptr;
+    Bitmap* bitmap = nullptr;
+    Palette* palette = nullptr;
+    Bitmap* ownBitmap = nullptr;  // the 1 x 1 one of memory contexts, or the pixels of a palette device
+    POINT viewportOrigin{0, 0};
+    POINT position{0, 0};
+    COLORREF textColor = RGB(0, 0, 0);
+    COLORREF backgroundColor = RGB(255, 255, 255);
+    int backgroundMode = OPAQUE;
+    UINT textAlign = TA_LEFT | TA_TOP;
+    int stretchMode = BLACKONWHITE;
+    bool isPaletteDevice = false;
+    bool isPaletteInBackground = false;
+
+    const Surface& Target() const { return bitmap->surface; }
+};
+
+// The object behind a handle; null when the handle is null or stale.
+GdiObject* FindObject(HANDLE handle) noexcept;
+
+// The same, and null when the object is of another kind.
+template <std::derived_from<GdiObject> Object>
+Object* Find(HANDLE handle) noexcept {
+    GdiObject* object = FindObject(handle);
+    return object && object->kind == Object::kKind ? static_cast<Object*>(object) : nullptr;
+}
+
+// Takes the object over and returns its handle; null, and the object gone, when there is none left.
+HANDLE Register(std::unique_ptr<GdiObject> object) noexcept;
+
+// Destroys the object and makes its handle stale.
+void Unregister(GdiObject& object) noexcept;
+
+// The edge of the exported functions: without memory they fail as for any other reason, with 0 or null.
+template <class Operation>
+auto FailWithoutMemory(Operation&& operation) noexcept -> std::invoke_result_t<Operation> {
+    try {
+        return operation();
+    } catch (...) {
+        return {};
+    }
+}
+
+// One of the constants of `GetStockObject`; null for any other number.
+GdiObject* StockObject(int number);
+
+// The 20 colours that every palette device keeps: the first half of them begins its palette, the other ends
+// it.
+std::span<const PALETTEENTRY> FixedColors();
+
+}  // namespace Zelkor::Platform

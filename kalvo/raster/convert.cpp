@@ -1,0 +1,209 @@
+// Converts rows of pixels. A row goes in pieces through words of 32 bits: one loop per layout loads them and
+// one stores them, instead of a loop for every pair.
+#include "kalvo/raster/convert.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "kalvo/kernels/kernels.h"
+#include "kalvo/raster/pixelaccess.h"
+
+namespace Zelkor::Platform {
+namespace {
+
+using Kernels::Active;
+
+constexpr int kPiece = 512;  // pixels; a piece of words stays in the nearest cache
+
+// Loading
+
+// Eight pixels are stored at a time. Measured: single ones look to the processor as if they might change the
+// table that it reads next, and take up to four times as long, depending on where the table is.
+void LookUp(const RawPixel* table, const std::uint8_t* pixels, std::uint8_t* words, int count) {
+    constexpr int kGroup = 8;
+    int i = 0;
+    for (; i <= count - kGroup; i += kGroup) {
+        RawPixel group[kGroup];
+        for (int k = 0; k < kGroup; ++k) group[k] = table[pixels[i + k]];
+        std::memcpy(words + 4 * static_cast<std::ptrdiff_t>(i), group, sizeof group);
+    }
+    for (; i < count; ++i) Bgrx32Access::Store(words, i, table[pixels[i]]);
+}
+
+// For tables whose entry k is the grey k.
+void LoadGreys(const RawPixel*, const std::uint8_t* pixels, std::uint8_t* words, int count) {
+    Kernels::Active().repeatTo32(pixels, words, static_cast<std::size_t>(count));
+}
+
+template <RawPixel (*kBgrFromWord)(unsigned)>
+void LoadWords16(const RawPixel*, const std::uint8_t* pixels, std::uint8_t* words, int count) {
+    for (int i = 0; i < count; ++i)
+        Bgrx32Access::Store(words, i, kBgrFromWord(Word16Access::Read(pixels, i)));
+}
+
+void Load24(const RawPixel*, const std::uint8_t* pixels, std::uint8_t* words, int count) {
+    Kernels::Active().widen24To32(pixels, words, static_cast<std::size_t>(count));
+}
+
+// Storing: words become what a row holds by one of these.
+
+unsigned AsTheyAre(NearestColors&, RawPixel raw) { return raw; }
+unsigned As555(NearestColors&, RawPixel bgr) { return Bgr555(bgr); }
+unsigned As565(NearestColors&, RawPixel bgr) { return Bgr565(bgr); }
+unsigned AsIndices(NearestColors& nearest, RawPixel bgr) { return nearest.IndexOf(bgr); }
+
+using Encode = unsigned(NearestColors& nearest, RawPixel pixel);
+
+template <class Access, Encode kEncode>
+void StoreAs(NearestColors& nearest, const std::uint8_t* words, std::uint8_t* row, int x, int count) {
+    for (int i = 0; i < count; ++i) Access::Store(row, x + i, kEncode(nearest, Bgrx32Access::Read(words, i)));
+}
+
+template <Encode kEncode>
+void StoreBits(NearestColors& nearest, const std::uint8_t* words, std::uint8_t* row, int x, int count) {
+    std::array<std::uint8_t, kPiece> indices;
+    std::array<std::uint8_t, kPiece / 8> bits;
+    StoreAs<Indexed8Access, kEncode>(nearest, words, indices.data(), 0, count);
+    const auto pixels = static_cast<std::size_t>(count);
+    Kernels::Active().thresholdToBits(indices.data(), 1, bits.data(), pixels);
+    Kernels::Active().copyBits(bits.data(), 0, row + x / 8, x % 8, pixels);
+}
+
+void Store24(NearestColors&, const std::uint8_t* words, std::uint8_t* row, int x, int count) {
+    Kernels::Active().narrow32To24(words, row + 3 * static_cast<std::ptrdiff_t>(x),
+                                   static_cast<std::size_t>(count));
+}
+
+// By layout. From indexed sources the table has made the pixels what is stored.
+
+RowConverter::Load* const kLoads[] = {LookUp, LookUp, LoadWords16<BgrFrom555>, LoadWords16<BgrFrom565>,
+                                      Load24, nullptr};
+RowConverter::Store* const kStoresFromIndexed[] = {StoreBits<AsTheyAre>,
+                                                   StoreAs<Indexed8Access, AsTheyAre>,
+                                                   StoreAs<Word16Access, AsTheyAre>,
+                                                   StoreAs<Word16Access, AsTheyAre>,
+                                                   Store24,
+                                                   nullptr};
+RowConverter::Store* const kStoresFromDirect[] = {StoreBits<AsIndices>,
+                                                  StoreAs<Indexed8Access, AsIndices>,
+                                                  StoreAs<Word16Access, As555>,
+                                                  StoreAs<Word16Access, As565>,
+                                                  Store24,
+                                                  nullptr};
+
+template <class Entry>
+Entry ForLayout(Entry const (&entries)[6], PixelLayout layout) {
+    return entries[static_cast<int>(layout)];
+}
+
+bool HaveSamePixels(const Surface& source, const Surface& destination) {
+    return source.layout == destination.layout &&
+           (!IsIndexed(source.layout) ||
+            std::ranges::equal(source.colors, destination.colors, {}, BgrFromEntry, BgrFromEntry));
+}
+
+bool NeedsNearest(const Surface& source, const Surface& destination) {
+    return IsIndexed(destination.layout) && !IsIndexed(source.layout);
+}
+
+bool IsGreyRamp(std::span<const RawPixel> table) {
+    for (unsigned grey = 0; grey < table.size(); ++grey) {
+        if (table[grey] != PackBgr(grey, grey, grey)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void CopyPixels(PixelLayout layout, const std::uint8_t* source, int sourceX, std::uint8_t* destination,
+                int destinationX, int count) {
+    if (layout == PixelLayout::Bits1) {
+        Kernels::Active().copyBits(source + sourceX / 8, sourceX % 8, destination + destinationX / 8,
+                                   destinationX % 8, static_cast<std::size_t>(count));
+    } else {
+        const std::ptrdiff_t bytes = BytesPerPixel(layout);
+        Kernels::Active().copyBytes(source + bytes * sourceX, destination + bytes * destinationX,
+                                    static_cast<std::size_t>(bytes * count));
+    }
+}
+
+constexpr unsigned kMetBits = 12;
+
+// Black is right at any place, so with it no place is ever empty.
+NearestColors::NearestColors(std::span<const RGBQUAD> colors) : m_colors(colors) {
+    if (!colors.empty()) m_met.assign(1u << kMetBits, NearestEntry(colors, 0));
+}
+
+unsigned NearestColors::IndexOf(RawPixel bgr) {
+    std::uint32_t& met = m_met[bgr * 0x9E3779B1u >> (32 - kMetBits)];
+    if (met >> 8 != bgr) met = bgr << 8 | NearestEntry(m_colors, bgr);
+    return met & 0xFF;
+}
+
+RowConverter::RowConverter(const Surface& source, const Surface& destination)
+    : m_source(source.layout),
+      m_copies(HaveSamePixels(source, destination)),
+      m_nearest(NeedsNearest(source, destination) ? destination.colors : std::span<const RGBQUAD>()),
+      m_load(ForLayout(kLoads, source.layout)),
+      m_store(
+          ForLayout(IsIndexed(source.layout) ? kStoresFromIndexed : kStoresFromDirect, destination.layout)) {
+    if (!IsIndexed(source.layout)) return;
+    FillTable(source, destination);
+    if (BytesPerPixel(destination.layout) >= 3 && IsGreyRamp(m_table)) m_load = LoadGreys;
+}
+
+void RowConverter::FillTable(const Surface& source, const Surface& destination) {
+    m_table.resize(256);
+    const auto pixelOf = [&](std::size_t index) {
+        return RawFromBgr(destination, index < source.colors.size() ? BgrFromEntry(source.colors[index]) : 0);
+    };
+    if (source.layout == PixelLayout::Bits1) {
+        // Nothing meets the entries between; like this, black and white make a ramp.
+        for (unsigned grey = 1; grey < 255; ++grey) m_table[grey] = PackBgr(grey, grey, grey);
+        m_table.front() = pixelOf(0);
+        m_table.back() = pixelOf(1);
+    } else {
+        for (std::size_t i = 0; i < m_table.size(); ++i) m_table[i] = pixelOf(i);
+    }
+}
+
+void RowConverter::Convert(const std::uint8_t* source, int sourceX, std::uint8_t* destination,
+                           int destinationX, int count) {
+    if (m_copies) {
+        CopyPixels(m_source, source, sourceX, destination, destinationX, count);
+    } else if (m_source != PixelLayout::Bits1) {
+        ConvertBytes(source + static_cast<std::ptrdiff_t>(BytesPerPixel(m_source)) * sourceX, destination,
+                     destinationX, count);
+    } else {
+        std::array<std::uint8_t, kPiece> bytes;
+        for (int done = 0, pixels; done < count; done += pixels) {
+            pixels = std::min(count - done, kPiece);
+            const int x = sourceX + done;
+            Kernels::Active().expandBits(source + x / 8, x % 8, bytes.data(),
+                                         static_cast<std::size_t>(pixels));
+            ConvertBytes(bytes.data(), destination, destinationX + done, pixels);
+        }
+    }
+}
+
+void RowConverter::ConvertBytes(const std::uint8_t* pixels, std::uint8_t* destination, int destinationX,
+                                int count) {
+    if (m_copies && m_source != PixelLayout::Bits1)
+        return CopyPixels(m_source, pixels, 0, destination, destinationX, count);
+    if (!m_store)
+        return m_load(m_table.data(), pixels, destination + 4 * static_cast<std::ptrdiff_t>(destinationX),
+                      count);
+    std::array<std::uint8_t, 4 * kPiece> piece;
+    for (int done = 0, width; done < count; done += width) {
+        width = std::min(count - done, kPiece);
+        const std::uint8_t* words = pixels + static_cast<std::ptrdiff_t>(BytesPerPixel(m_source)) * done;
+        if (m_load) {
+            m_load(m_table.data(), words, piece.data(), width);
+            words = piece.data();
+        }
+        m_store(m_nearest, words, destination, destinationX + done, width);
+    }
+}
+
+}  // namespace Zelkor::Platform

@@ -1,0 +1,62 @@
+// Rows of pixels from one layout and colour table into another.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "kalvo/raster/surface.h"
+
+namespace Zelkor::Platform {
+
+// How many bytes a pixel takes in a row of whole bytes; a pixel of one bit takes one there, 0 or 255.
+constexpr int BytesPerPixel(PixelLayout layout) { return (BitsPerPixel(layout) + 7) / 8; }
+
+// Copies pixels of one layout as they are. Where pixels are whole bytes, the rows may overlap.
+void CopyPixels(PixelLayout layout, const std::uint8_t* source, int sourceX, std::uint8_t* destination,
+                int destinationX, int count);
+
+// Finds the nearest entry of a colour table, and remembers the last colours met: pictures repeat theirs, and
+// comparing with 256 entries is slow.
+class NearestColors {
+public:
+    explicit NearestColors(std::span<const RGBQUAD> colors);
+    unsigned IndexOf(RawPixel bgr);
+
+private:
+    std::span<const RGBQUAD> m_colors;
+    std::vector<std::uint32_t> m_met;  // colour << 8 | index, at a place that follows from the colour
+};
+
+// Knows what each pixel of a source becomes in a destination, so that rows cost no search. Both surfaces'
+// colours must outlive it.
+class RowConverter {
+public:
+    RowConverter(const Surface& source, const Surface& destination);
+
+    // Whether pixels stay as they are.
+    bool Copies() const { return m_copies; }
+
+    // Takes `count` pixels from `sourceX` on and stores them from `destinationX` on.
+    void Convert(const std::uint8_t* source, int sourceX, std::uint8_t* destination, int destinationX,
+                 int count);
+
+    // The same with source pixels of whole bytes, as `BytesPerPixel` says.
+    void ConvertBytes(const std::uint8_t* pixels, std::uint8_t* destination, int destinationX, int count);
+
+    // Pixels are on their way as words of 32 bits: 0x00RRGGBB, or from indexed sources what to store.
+    using Load = void(const RawPixel* table, const std::uint8_t* pixels, std::uint8_t* words, int count);
+    using Store = void(NearestColors& nearest, const std::uint8_t* words, std::uint8_t* row, int x,
+                       int count);
+
+private:
+    void FillTable(const Surface& source, const Surface& destination);
+
+    PixelLayout m_source;
+    bool m_copies;
+    std::vector<RawPixel> m_table;  // of indexed sources: what each byte becomes
+    NearestColors m_nearest;        // from direct colours to indexed destinations
+    Load* m_load;                   // null for sources that are such words
+    Store* m_store;                 // null for destinations that are
+};
+
+}  // namespace Zelkor::Platform

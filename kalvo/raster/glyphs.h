@@ -1,0 +1,95 @@
+// Finds the face that a font asks for, and makes the pixels of its characters: black or nothing, hinted to
+// the grid. Both are kept for all contexts and threads, within bounds.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "kalvo/base/win32types.h"
+
+struct FT_FaceRec_;
+
+namespace Zelkor::Platform {
+
+// Pixels x0 <= x < x1 of a row, counted from the pen's place on the baseline; y grows downwards.
+struct GlyphRun {
+    std::int16_t y;
+    std::int16_t x0;
+    std::int16_t x1;
+};
+
+struct Glyph {
+    int advance = 0;                               // how far the pen moves
+    int left = 0, top = 0, right = 0, bottom = 0;  // the box around all runs
+    std::vector<GlyphRun> runs;
+};
+
+// What tells one kind of face from another, whatever its size. The name is padded with zeros.
+struct FaceStyle {
+    std::array<char, sizeof LOGFONTA::lfFaceName> name{};
+    bool isBold = false;
+    bool isItalic = false;
+
+    bool operator==(const FaceStyle&) const = default;
+};
+
+struct FontFile {
+    std::string path;
+    int index = 0;  // of the face in the file
+};
+
+// A face of letters at a size. Any number of threads may use it at once.
+class SizedFace {
+public:
+    // The first of the files that can be used; null when none can. `height` as in LOGFONTA, within bounds.
+    static std::shared_ptr<SizedFace> Open(const std::vector<FontFile>& files, const FaceStyle& style,
+                                           int height);
+
+    // In pixels, counted downwards from the top of a line.
+    int Baseline() const { return m_baseline; }
+    int LineHeight() const { return m_lineHeight; }
+    int Underline() const { return m_underline; }
+    int StrikeOut() const { return m_baseline - m_baseline / 3; }
+    int RuleThickness() const { return m_ruleThickness; }
+
+    // A character's glyph, or the box that the face has for missing ones. It lives as long as the face, or
+    // stands in `spare` when the face already keeps all it may.
+    const Glyph& Find(char32_t character, Glyph& spare);
+
+    bool IsFull() const { return m_isFull.load(std::memory_order_relaxed); }
+
+private:
+    struct CloseFace {
+        void operator()(FT_FaceRec_* face) const;
+    };
+    using FaceOwner = std::unique_ptr<FT_FaceRec_, CloseFace>;
+
+    SizedFace(FaceOwner face, const FaceStyle& style);
+    static FaceOwner OpenFile(const FontFile& file, int height);
+    Glyph Render(char32_t character) const;
+
+    const FaceOwner m_face;
+    const bool m_emboldens;  // the style asks for what the face itself doesn't have
+    const bool m_slants;
+    int m_baseline = 0;
+    int m_lineHeight = 0;
+    int m_underline = 0;
+    int m_ruleThickness = 1;
+    std::mutex m_mutex;  // guards the face and the map; the table is for reading without it
+    std::unordered_map<char32_t, Glyph> m_glyphs;
+    std::array<std::atomic<const Glyph*>, 256> m_firstGlyphs{};
+    std::size_t m_cost = 0;
+    std::atomic<bool> m_isFull = false;
+};
+
+// The face that serves a font: its own, or the one most like it. Null when the machine has none at all.
+std::shared_ptr<SizedFace> FindFace(const LOGFONTA& font);
+
+}  // namespace Zelkor::Platform

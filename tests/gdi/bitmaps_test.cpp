@@ -1,0 +1,362 @@
+// Bitmaps copied, converted, stretched and mixed, against a slow loop over single pixels that knows the
+// rules.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <optional>
+#include <random>
+#include <vector>
+
+#include "kalvo/gdi/gdi.h"
+#include "kalvo/raster/blit.h"
+
+namespace Zelkor::Platform {
+namespace {
+
+constexpr PixelLayout kLayouts[] = {PixelLayout::Bits1,  PixelLayout::Indexed8, PixelLayout::Rgb555,
+                                    PixelLayout::Rgb565, PixelLayout::Bgr24,    PixelLayout::Bgrx32};
+
+std::minstd_rand randomSource;
+int Between(int low, int high) { return std::uniform_int_distribution(low, high)(randomSource); }
+
+BITMAPINFOHEADER Header(LONG width, LONG height, WORD bits, DWORD compression, DWORD size = 40,
+                        WORD planes = 1) {
+    return {size, width, height, planes, bits, compression, 0, 0, 0, 0, 0};
+}
+
+// A header with all that stands behind it, and random pixels between guard bytes.
+struct Dib {
+    static constexpr std::size_t kGuard = 8;
+
+    Dib(PixelLayout pixelLayout, int columns, int signedHeight)
+        : layout(pixelLayout), width(columns), height(signedHeight), storage(40 + 4 * 256) {
+        const DWORD masks[][3] = {
+            {}, {}, {0x7C00, 0x3E0, 0x1F}, {0xF800, 0x7E0, 0x1F}, {}, {0xFF0000, 0xFF00, 0xFF}};
+        const DWORD* mask = masks[static_cast<int>(layout)];
+        const bool hasMasks = layout == PixelLayout::Rgb565 || (mask[0] && Between(0, 1));
+        Info()->bmiHeader =
+            Header(width, height, WORD(BitsPerPixel(layout)), hasMasks ? BI_BITFIELDS : BI_RGB);
+        RGBQUAD* behindHeader = Info()->bmiColors;
+        std::memcpy(behindHeader, mask, hasMasks ? sizeof *masks : 0);
+        if (IsIndexed(layout)) {
+            colors.resize(std::size_t{1} << BitsPerPixel(layout));
+            const bool isRamp = Between(0, 1) == 1;
+            const int full = static_cast<int>(colors.size()), used = isRamp ? 0 : Between(0, full);
+            Info()->bmiHeader.biClrUsed = static_cast<DWORD>(used);
+            for (int i = 0; i < (used ? used : full); ++i) {
+                const auto component = [&] { return BYTE(isRamp ? i * 255 / (full - 1) : Between(0, 255)); };
+                colors[i] = {component(), component(), component(), 0};
+            }
+            std::ranges::copy(colors, behindHeader);
+        }
+        memory.resize(2 * kGuard + PitchBytes() * std::abs(height));
+        std::ranges::generate(memory, [] { return static_cast<std::uint8_t>(Between(0, 255)); });
+    }
+
+    void TakeColorsOf(const Dib& other) {
+        colors = other.colors;
+        constexpr std::ptrdiff_t colorsUsed = 32;  // the field before the colours
+        std::copy(other.storage.begin() + colorsUsed, other.storage.end(), storage.begin() + colorsUsed);
+    }
+
+    std::size_t PitchBytes() const { return (std::size_t(width) * BitsPerPixel(layout) + 31) / 32 * 4; }
+    BITMAPINFO* Info() { return reinterpret_cast<BITMAPINFO*>(storage.data()); }
+    std::uint8_t* Bits() { return memory.data() + kGuard; }
+
+    // The fourth byte of 32-bit pixels is nobody's.
+    bool HasPixels(const std::uint8_t* bits) {
+        const bool hasFourth = layout == PixelLayout::Bgrx32;
+        for (std::size_t i = 0; i < memory.size() - 2 * kGuard; ++i)
+            if (bits[i] != Bits()[i] && !(hasFourth && i % 4 == 3)) return false;
+        return true;
+    }
+
+    Surface View(std::uint8_t* bits, int lines) const {
+        const auto pitch = static_cast<std::ptrdiff_t>(PitchBytes());
+        if (height < 0) return {bits, pitch, width, lines, layout, colors};
+        return {bits + pitch * (lines - 1), -pitch, width, lines, layout, colors};
+    }
+    Surface View() { return View(Bits(), std::abs(height)); }
+
+    PixelLayout layout;
+    int width, height;
+    std::vector<RGBQUAD> colors;
+    std::vector<std::uint8_t> storage, memory;
+};
+
+Dib RandomDib(PixelLayout layout, int maxWidth = 70) {
+    return {layout, Between(1, maxWidth), Between(1, 30) * (Between(0, 1) ? 1 : -1)};
+}
+
+// A section with the same pixels as a buffer, selected into a context.
+struct Target {
+    explicit Target(Dib dib) : expected(std::move(dib)) {
+        bitmap = CreateDIBSection(nullptr, expected.Info(), DIB_RGB_COLORS, &bits);
+        std::memcpy(bits, expected.Bits(), expected.memory.size() - 2 * Dib::kGuard);
+        ownBitmap = SelectObject(hdc, bitmap);
+        SetViewportOrgEx(hdc, origin.x, origin.y, nullptr);
+    }
+    Target(const Target&) = delete;
+    ~Target() {
+        SelectObject(hdc, ownBitmap);
+        EXPECT_TRUE(DeleteObject(bitmap) && DeleteDC(hdc));
+    }
+
+    int Stretch(int x, int y, int columns, int rows, Dib& source, int sourceX, int scan, int sourceColumns,
+                int scans) const {
+        return StretchDIBits(hdc, x - origin.x, y - origin.y, columns, rows, sourceX, scan, sourceColumns,
+                             scans, source.Bits(), source.Info(), DIB_RGB_COLORS, SRCCOPY);
+    }
+
+    bool HasExpectedPixels() { return expected.HasPixels(static_cast<const std::uint8_t*>(bits)); }
+
+    Dib expected;
+    void* bits = nullptr;
+    HBITMAP bitmap = nullptr;
+    HDC hdc = CreateCompatibleDC(nullptr);
+    HGDIOBJ ownBitmap = nullptr;
+    POINT origin{Between(-9, 9), Between(-9, 9)};
+};
+
+std::optional<int> SourceOf(const BlitAxis& axis, int pixel, int sourceLimit) {
+    const std::int64_t size = std::abs(axis.destinationSize), sourceSize = std::abs(axis.sourceSize);
+    std::int64_t i = pixel - std::min(axis.destination, axis.destination + axis.destinationSize);
+    if (i < 0 || i >= size) return std::nullopt;
+    if ((axis.destinationSize < 0) != (axis.sourceSize < 0)) i = size - 1 - i;
+    const std::int64_t source = std::min(axis.source, axis.source + axis.sourceSize) + i * sourceSize / size;
+    if (sourceSize == 0 || source < 0 || source >= sourceLimit) return std::nullopt;
+    return static_cast<int>(source);
+}
+
+RawPixel Mix(RawPixel source, RawPixel below, int alpha) {
+    RawPixel mixed = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const int s = source >> shift & 0xFF, d = below >> shift & 0xFF;
+        mixed |= static_cast<RawPixel>(std::lround((s * alpha + d * (255 - alpha)) / 255.0)) << shift;
+    }
+    return mixed;
+}
+
+void SlowBlit(const Surface& to, const Surface& from, const BlitAxis& columns, const BlitAxis& rows,
+              int alpha = 255) {
+    const bool same = to.layout == from.layout &&
+                      std::ranges::equal(to.colors, from.colors, {}, BgrFromEntry, BgrFromEntry);
+    for (int y = 0; y < to.height; ++y) {
+        const auto sourceY = SourceOf(rows, y, from.height);
+        for (int x = 0; sourceY && x < to.width; ++x) {
+            const auto sourceX = SourceOf(columns, x, from.width);
+            if (!sourceX) continue;
+            const RawPixel raw = ReadPixel(from, *sourceX, *sourceY), bgr = BgrFromRaw(from, raw);
+            const RawPixel below = BgrFromRaw(to, ReadPixel(to, x, y));
+            if (alpha > 0)
+                StorePixel(to, x, y, same && alpha == 255 ? raw : RawFromBgr(to, Mix(bgr, below, alpha)));
+        }
+    }
+}
+
+// Every pair of layouts, some also with rows that are long.
+template <class Test>
+void ForEachPair(Test test) {
+    for (const PixelLayout from : kLayouts)
+        for (const PixelLayout to : kLayouts)
+            for (int round = 0; round < 30; ++round) {
+                const int maxWidth = round == 0 ? 1700 : 70;
+                Dib source = RandomDib(from, maxWidth);
+                Dib destination = RandomDib(to, maxWidth);
+                if (round % 2 == 1 && from == to && IsIndexed(to)) destination.TakeColorsOf(source);
+                Target target(std::move(destination));
+                test(source, target);
+                ASSERT_TRUE(target.HasExpectedPixels())
+                    << BitsPerPixel(from) << " to " << BitsPerPixel(to) << ", round " << round;
+            }
+}
+
+TEST(GdiBitmaps, StretchDIBitsTakesTheFlooredPixelInEveryLayout) {
+    ForEachPair([](Dib& source, Target& target) {
+        const bool zoom = Between(0, 3) > 0;
+        const int x = Between(-20, 60), y = Between(-20, 30), fromX = Between(-9, 40), scan = Between(-9, 20);
+        const int width = Between(-90, 90), height = Between(-60, 60), total = std::abs(source.height);
+        const int columns = zoom ? Between(-70, 70) : width, scans = zoom ? Between(-40, 40) : height;
+        SlowBlit(target.expected.View(), source.View(), {x, width, fromX, columns},
+                 {y, height, total - scan - scans, scans});
+        EXPECT_EQ(target.Stretch(x, y, width, height, source, fromX, scan, columns, scans), total);
+    });
+}
+
+TEST(GdiBitmaps, SetDIBitsToDeviceReadsOnlyTheScansThatTheBufferHas) {
+    ForEachPair([](Dib& source, Target& target) {
+        const int total = std::abs(source.height);
+        const int start = Between(0, total - 1), lines = Between(1, total - start);
+        // A buffer of its own, so that nothing stands around the scans.
+        std::vector<std::uint8_t> scans(source.Bits(), source.Bits() + source.PitchBytes() * lines);
+        const int x = Between(-20, 40), y = Between(-20, 20), fromX = Between(-9, 40), scan = Between(-9, 20);
+        const int width = Between(0, 1) ? 2000 : Between(0, 60), height = Between(0, 40);
+        const int fromTop = start + lines - scan - height;  // of the buffer
+        SlowBlit(target.expected.View(), source.View(scans.data(), lines), {x, width, fromX, width},
+                 {y, height, fromTop, height});
+        const UINT claimed = start + lines == total ? 1000000 : lines;
+        EXPECT_EQ(SetDIBitsToDevice(target.hdc, x - target.origin.x, y - target.origin.y, width, height,
+                                    fromX, scan, start, claimed, scans.data(), source.Info(), DIB_RGB_COLORS),
+                  lines);
+    });
+}
+
+TEST(GdiBitmaps, SetAndGetDIBitsCountScansFromTheBottomOfBoth) {
+    ForEachPair([](Dib& buffer, Target& target) {
+        const int total = std::abs(buffer.height), bitmapHeight = std::abs(target.expected.height);
+        const int start = Between(0, total - 1), lines = Between(1, total - start);
+        const int copied = std::clamp(bitmapHeight - start, 0, lines);
+        const auto rowsOf = [&](int to, int from) { return BlitAxis{to, copied, from, copied}; };
+        const int inBuffer = lines - copied, inBitmap = bitmapHeight - start - copied;
+        const BlitAxis columns{0, 2000, 0, 2000};
+        const auto view = [&](Dib& dib) { return dib.View(dib.Bits(), lines); };
+
+        SlowBlit(target.expected.View(), view(buffer), columns, rowsOf(inBitmap, inBuffer));
+        EXPECT_EQ(SetDIBits(nullptr, target.bitmap, start, lines, buffer.Bits(), buffer.Info(), 0), copied);
+        if (!target.HasExpectedPixels()) return;
+
+        Dib actual = buffer;
+        EXPECT_EQ(GetDIBits(target.hdc, target.bitmap, start, lines, actual.Bits(), actual.Info(), 0),
+                  copied);
+        if (IsIndexed(buffer.layout)) {
+            const RGBQUAD* table = actual.Info()->bmiColors;
+            const std::size_t full = buffer.colors.size(), used = actual.Info()->bmiHeader.biClrUsed;
+            buffer.colors.assign(table, table + (used ? used : full));
+            const bool own = target.expected.layout == buffer.layout;
+            for (std::size_t i = 0; i < buffer.colors.size(); ++i)
+                ASSERT_EQ(BgrFromEntry(table[i]),
+                          own ? BgrFromEntry(target.expected.colors[i]) : i * 255 / (full - 1) * 0x010101);
+        }
+        SlowBlit(view(buffer), target.expected.View(), columns, rowsOf(inBuffer, inBitmap));
+        ASSERT_TRUE(buffer.HasPixels(actual.Bits()));
+        ASSERT_TRUE(std::equal(actual.memory.end() - Dib::kGuard, actual.memory.end(),
+                               buffer.memory.end() - Dib::kGuard));
+        ASSERT_TRUE(std::equal(actual.Bits() - Dib::kGuard, actual.Bits(), buffer.Bits() - Dib::kGuard));
+    });
+}
+
+TEST(GdiBitmaps, AlphaBlendMixesRoundedAlsoWithinOneBitmap) {
+    ForEachPair([](const Dib& other, Target& target) {
+        const bool isOwn = Between(0, 3) == 0;
+        Dib dib = isOwn ? target.expected : other;
+        const Target another(dib), &source = isOwn ? target : another;
+        const int alphas[] = {0, 255, 128, Between(1, 254)}, alpha = alphas[Between(0, 3)];
+        const int total = std::abs(dib.height), width = Between(1, dib.width), height = Between(1, total);
+        const int fromX = Between(0, dib.width - width), fromY = Between(0, total - height);
+        const int zoomed = Between(0, 1) ? width : Between(0, 90), x = Between(-20, 40), y = Between(-20, 20);
+        SlowBlit(target.expected.View(), dib.View(), {x, zoomed, fromX, width}, {y, 25, fromY, height},
+                 alpha);
+        const auto draw = [&](int sourceX, int columns, int to, BLENDFUNCTION blend) {
+            return AlphaBlend(target.hdc, x - target.origin.x, y - target.origin.y, to, 25, source.hdc,
+                              sourceX - source.origin.x, fromY - source.origin.y, columns, height, blend);
+        };
+        const BLENDFUNCTION blend{AC_SRC_OVER, 0, static_cast<BYTE>(alpha), 0};
+        EXPECT_TRUE(draw(fromX, width, zoomed, blend));
+        EXPECT_FALSE(draw(fromX, dib.width - fromX + 1, zoomed, blend) || draw(-1, width, zoomed, blend));
+        EXPECT_FALSE(draw(fromX, -1, zoomed, blend) || draw(fromX, width, -1, blend));
+        EXPECT_FALSE(draw(fromX, width, zoomed, {AC_SRC_OVER, 0, 200, 1}));
+        EXPECT_FALSE(draw(fromX, width, zoomed, {1, 0, 200, 0}));
+    });
+}
+
+TEST(GdiBitmaps, ExtremeRectanglesDrawWhatIsVisibleOfThem) {
+    const struct {
+        int x, width, sourceX, sourceWidth;
+    } cases[] = {{INT_MIN, INT_MAX, 0, 40},         {INT_MAX, INT_MIN, 0, 40},  {-1000, INT_MAX, 0, INT_MAX},
+                 {0, INT_MIN, INT_MAX, INT_MIN},    {20, INT_MIN, 20, INT_MIN}, {-9, 60, INT_MIN, INT_MAX},
+                 {-1000000000, 2000000000, -5, 50}, {20, 30, 39, INT_MIN},      {5, 3, 0, INT_MAX}};
+    const BlitAxis plain{0, 40, 0, 40};
+    for (const auto& c : cases) {
+        Dib source(PixelLayout::Bgr24, 40, 40);
+        Target target(Dib(PixelLayout::Bgrx32, 50, 50));
+        SetViewportOrgEx(target.hdc, 0, 0, nullptr);
+        target.origin = {0, 0};
+        SlowBlit(target.expected.View(), source.View(), {c.x, c.width, c.sourceX, c.sourceWidth}, plain);
+        target.Stretch(c.x, 0, c.width, 40, source, c.sourceX, 0, c.sourceWidth, 40);
+        const std::int64_t fromTop = std::int64_t{40} - c.sourceX - c.sourceWidth;
+        SlowBlit(target.expected.View(), source.View(), plain, {c.x, c.width, fromTop, c.sourceWidth});
+        target.Stretch(0, c.x, 40, c.width, source, 0, c.sourceX, 40, c.sourceWidth);
+        EXPECT_TRUE(target.HasExpectedPixels()) << c.x << ", " << c.width;
+
+        // The origin counts in more bits than the coordinates.
+        for (const LONG y : {INT_MIN, 0}) {
+            SetViewportOrgEx(target.hdc, INT_MAX, y, nullptr);
+            SetDIBitsToDevice(target.hdc, INT_MIN, y, UINT_MAX, 40, 0, 0, 0, 40, source.Bits(), source.Info(),
+                              0);
+            target.Stretch(INT_MAX, INT_MAX, INT_MAX, INT_MAX, source, 0, 0, 40, 40);
+        }
+        SlowBlit(target.expected.View(), source.View(), {-1, UINT_MAX, 0, UINT_MAX}, plain);
+        EXPECT_TRUE(target.HasExpectedPixels());
+    }
+}
+
+TEST(GdiBitmaps, HeadersThatMakeNoBitmapAreRefused) {
+    const BITMAPINFOHEADER bad[] = {
+        Header(4, 4, 32, BI_RGB, 39),
+        Header(4, 4, 32, BI_RGB, 40, 0),
+        Header(0, 4, 32, BI_RGB),
+        Header(-4, 4, 32, BI_RGB),
+        Header(4, 0, 32, BI_RGB),
+        Header(4, INT_MIN, 32, BI_RGB),
+        Header(INT_MAX, -INT_MAX, 32, 0),
+        Header(4, 4, 0, BI_RGB),
+        Header(4, 4, 4, BI_RGB),
+        Header(4, 4, 33, BI_RGB),
+        Header(4, 4, 32, 1),
+        Header(4, 4, 24, BI_BITFIELDS),
+        Header(4, 4, 32, BI_BITFIELDS),  // all masks are 0
+    };
+    Target target(Dib(PixelLayout::Indexed8, 4, 4));
+    std::uint8_t pixels[64]{};
+    int number = 0;
+    const auto expectRefused = [&](BITMAPINFO* info, UINT usage) {
+        void* bits = pixels;
+        EXPECT_EQ(CreateDIBSection(nullptr, info, usage, &bits), nullptr) << number;
+        EXPECT_EQ(bits, nullptr) << number;
+        EXPECT_EQ(SetDIBits(nullptr, target.bitmap, 0, 4, pixels, info, usage), 0) << number;
+        EXPECT_EQ(GetDIBits(nullptr, target.bitmap, 0, 4, pixels, info, usage), 0) << number;
+        EXPECT_EQ(SetDIBitsToDevice(target.hdc, 0, 0, 4, 4, 0, 0, 0, 4, pixels, info, usage), 0) << number;
+        EXPECT_EQ(StretchDIBits(target.hdc, 0, 0, 4, 4, 0, 0, 4, 4, pixels, info, usage, SRCCOPY), 0)
+            << number;
+    };
+    for (; number < int{std::size(bad)}; ++number) {
+        BITMAPINFO info[4]{};
+        info->bmiHeader = bad[number];
+        expectRefused(info, DIB_RGB_COLORS);
+    }
+    expectRefused(nullptr, DIB_RGB_COLORS);
+    BITMAPINFO* good = target.expected.Info();
+    expectRefused(good, 1);
+    EXPECT_EQ(SetDIBits(nullptr, nullptr, 0, 4, pixels, good, 0), 0);
+    EXPECT_EQ(SetDIBits(nullptr, target.bitmap, 4, 1, pixels, good, 0), 0) << "no such scan";
+    EXPECT_EQ(SetDIBits(nullptr, target.bitmap, 0, 4, nullptr, good, 0), 0);
+    EXPECT_EQ(StretchDIBits(target.hdc, 0, 0, 4, 4, 0, 0, 4, 4, pixels, good, 0, SRCCOPY + 1), 0);
+    EXPECT_EQ(StretchDIBits(nullptr, 0, 0, 4, 4, 0, 0, 4, 4, pixels, good, 0, SRCCOPY), 0);
+    EXPECT_TRUE(target.HasExpectedPixels());
+}
+
+TEST(GdiBitmaps, SectionsStartBlackAndGetDIBitsDescribesThem) {
+    for (const PixelLayout layout : kLayouts) {
+        Dib dib(layout, 13, -7);
+        void* bits = nullptr;
+        const HBITMAP bitmap = CreateDIBSection(nullptr, dib.Info(), DIB_RGB_COLORS, &bits);
+        BITMAP description{};
+        ASSERT_NE(GetObjectA(bitmap, sizeof description, &description), 0);
+        EXPECT_EQ(description.bmBits, bits);
+        const std::vector<std::uint8_t> black(7 * dib.PitchBytes());
+        EXPECT_EQ(std::memcmp(bits, black.data(), black.size()), 0);
+        BITMAPINFO asked{Header(0, 0, 0, 0), {}};
+        EXPECT_NE(GetDIBits(nullptr, bitmap, 0, 0, nullptr, &asked, DIB_RGB_COLORS), 0);
+        auto expected =
+            Header(13, 7, WORD(BitsPerPixel(layout)), layout == PixelLayout::Rgb565 ? BI_BITFIELDS : BI_RGB);
+        expected.biSizeImage = static_cast<DWORD>(black.size());
+        EXPECT_EQ(std::memcmp(&asked.bmiHeader, &expected, sizeof expected), 0) << BitsPerPixel(layout);
+        EXPECT_NE(DeleteObject(bitmap), 0);
+    }
+}
+
+}  // namespace
+}  // namespace Zelkor::Platform
