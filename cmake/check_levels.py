@@ -12,7 +12,7 @@ LEVELS = ["base", "kernels", "frame", "pixels", "streams", "measure", "vectors",
           "imagefiles", "display", "transforms", "kalvo.h"]
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"kalvo/([^"]+)"', re.MULTILINE)
-PUBLIC = re.compile(r".*/kx[^/]*\.h|base/(win32types|messagebox|clock|criticalsection|tls)\.h|gdi/gdi\.h")
+PUBLIC = re.compile(r".*/kx[^/]*\.h|base/(win32types|messagebox|clock|criticalsection|tls)\.h|gdi/gdi(_[^/]*)?\.h")
 
 
 def level_of(path):

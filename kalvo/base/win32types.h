@@ -28,6 +28,11 @@ using HFONT = struct HFONT__*;
 /// A logical palette made for a device.
 using HPALETTE = struct HPALETTE__*;
 
+/// A set of pixels to draw in.
+using HRGN = struct HRGN__*;
+/// A window. There are none; programs may name them.
+using HWND = struct HWND__*;
+
 /// A colour: red in the low byte, then green, then blue; the high byte is 0.
 using COLORREF = DWORD;
 

@@ -135,9 +135,9 @@ int SetDIBitsToDevice(HDC hDC, int n32X, int n32Y, DWORD un32Width, DWORD un32He
         if (!context || !format || !pBits || un32Usage != DIB_RGB_COLORS) return 0;
         const Surface buffer = format->ScansAt(Readable(pBits), un32Start, un32Lines);
         const std::int64_t firstScan = std::int64_t{n32SourceY} - un32Start;
-        const POINT origin = context->viewportOrigin;
-        Blit(context->Target(), buffer, Unscaled(std::int64_t{n32X} + origin.x, n32SourceX, un32Width),
-             Unscaled(std::int64_t{n32Y} + origin.y, RowOfScans(buffer, firstScan, un32Height), un32Height));
+        const auto [x, y] = context->Placed(POINT{n32X, n32Y});
+        Blit(context->Target(), buffer, Unscaled(x, n32SourceX, un32Width),
+             Unscaled(y, RowOfScans(buffer, firstScan, un32Height), un32Height));
         return buffer.height;
     });
 }
@@ -151,12 +151,12 @@ int StretchDIBits(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, int 
         if (!context || !format || !pBits || un32Usage != DIB_RGB_COLORS || un32Operation != SRCCOPY)
             return 0;
         const Surface source = format->SurfaceAt(Readable(pBits));
-        const POINT origin = context->viewportOrigin;
+        const auto [x, y] = context->Placed(POINT{n32X, n32Y});
         // Scans run upwards and rows downwards, so the rows of a negative height, too, start at its other
         // end.
         const std::int64_t firstRow = RowOfScans(source, n32SourceY, n32SourceHeight);
-        Blit(context->Target(), source, {std::int64_t{n32X} + origin.x, n32Width, n32SourceX, n32SourceWidth},
-             {std::int64_t{n32Y} + origin.y, n32Height, firstRow, n32SourceHeight});
+        Blit(context->Target(), source, {x, n32Width, n32SourceX, n32SourceWidth},
+             {y, n32Height, firstRow, n32SourceHeight});
         return source.height;
     });
 }
@@ -169,12 +169,11 @@ BOOL AlphaBlend(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, HDC hS
         if (!context || !sourceContext || n32Width < 0 || n32Height < 0 || blend.BlendOp != AC_SRC_OVER ||
             blend.BlendFlags != 0 || blend.AlphaFormat != 0)
             return 0;
-        Surface source = sourceContext->Target();
-        const POINT origin = context->viewportOrigin, sourceOrigin = sourceContext->viewportOrigin;
-        BlitAxis columns{std::int64_t{n32X} + origin.x, n32Width, std::int64_t{n32SourceX} + sourceOrigin.x,
-                         n32SourceWidth};
-        BlitAxis rows{std::int64_t{n32Y} + origin.y, n32Height, std::int64_t{n32SourceY} + sourceOrigin.y,
-                      n32SourceHeight};
+        Surface source = sourceContext->bitmap->surface;
+        const Position place = context->Placed(POINT{n32X, n32Y});
+        const Position sourcePlace = sourceContext->Placed(POINT{n32SourceX, n32SourceY});
+        BlitAxis columns{place.x, n32Width, sourcePlace.x, n32SourceWidth};
+        BlitAxis rows{place.y, n32Height, sourcePlace.y, n32SourceHeight};
         if (!IsInside(columns.source, columns.sourceSize, source.width) ||
             !IsInside(rows.source, rows.sourceSize, source.height))
             return 0;

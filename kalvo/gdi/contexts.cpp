@@ -53,13 +53,13 @@ HDC Publish(std::unique_ptr<Context> context) { return static_cast<HDC>(Register
 
 // What every Set and every Get does with a field of a context.
 template <class Value>
-Value Exchange(HDC hDC, Value Context::*field, Value next, Value failure) {
+Value Exchange(HDC hDC, Value ContextState::*field, Value next, Value failure) {
     Context* context = Find<Context>(hDC);
     return context ? std::exchange(context->*field, next) : failure;
 }
 
 template <class Value>
-Value Field(HDC hDC, Value Context::*field, Value failure) {
+Value Field(HDC hDC, Value ContextState::*field, Value failure) {
     const Context* context = Find<Context>(hDC);
     return context ? context->*field : failure;
 }
@@ -127,6 +127,10 @@ HGDIOBJ SelectObject(HDC hDC, HGDIOBJ hObject) {
     if (Brush* brush = Find<Brush>(hObject)) return Replace(context->brush, brush);
     if (Font* font = Find<Font>(hObject)) return Replace(context->font, font);
     if (Bitmap* bitmap = Find<Bitmap>(hObject)) return ReplaceBitmap(*context, bitmap);
+    if (Find<RegionObject>(hObject)) {
+        const std::intptr_t complexity = SelectClipRgn(hDC, static_cast<HRGN>(hObject));
+        return reinterpret_cast<HGDIOBJ>(complexity);
+    }
     return nullptr;
 }
 

@@ -10,17 +10,11 @@
 namespace Zelkor::Platform {
 namespace {
 
-Position OriginOf(const Context& context) { return {context.viewportOrigin.x, context.viewportOrigin.y}; }
-
-Position PlacedPoint(const Context& context, int x, int y) {
-    const Position origin = OriginOf(context);
-    return {origin.x + x, origin.y + y};
-}
-
+// The box between two opposite corners.
 Box PlacedBox(const Context& context, int left, int top, int right, int bottom) {
-    const Position a = PlacedPoint(context, left, top);
-    const Position b = PlacedPoint(context, right, bottom);
-    return {std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)};
+    const Box box = context.Placed(RECT{left, top, right, bottom});
+    return {std::min(box.left, box.right), std::min(box.top, box.bottom), std::max(box.left, box.right),
+            std::max(box.top, box.bottom)};
 }
 
 RawPixel PixelOf(const Context& context, COLORREF color) {
@@ -44,8 +38,8 @@ template <class Operation>
 COLORREF AtPixel(HDC hDC, int x, int y, Operation&& operation) {
     const Context* context = Find<Context>(hDC);
     if (!context) return CLR_INVALID;
-    const Surface& surface = context->Target();
-    const Position pixel = PlacedPoint(*context, x, y);
+    const Surface surface = context->Target();
+    const Position pixel = context->Placed(POINT{x, y});
     if (!IsVisible(surface, pixel)) return CLR_INVALID;
     const RawPixel raw = operation(surface, static_cast<int>(pixel.x), static_cast<int>(pixel.y));
     return ColorFromBgr(BgrFromRaw(surface, raw));
@@ -87,8 +81,7 @@ BOOL LineTo(HDC hDC, int n32X, int n32Y) {
     return Draw(hDC, [&](Context& context) {
         const POINT from = std::exchange(context.position, POINT{n32X, n32Y});
         if (const auto pen = PenOf(context))
-            DrawLine(context.Target(), PlacedPoint(context, from.x, from.y), PlacedPoint(context, n32X, n32Y),
-                     *pen);
+            DrawLine(context.Target(), context.Placed(from), context.Placed(POINT{n32X, n32Y}), *pen);
     });
 }
 
@@ -109,7 +102,7 @@ BOOL Ellipse(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom) {
 BOOL Polygon(HDC hDC, const POINT* pPoints, int n32Count) {
     if (!pPoints || n32Count < 2) return 0;
     return Draw(hDC, [&](const Context& context) {
-        DrawPolygon(context.Target(), {pPoints, static_cast<std::size_t>(n32Count)}, OriginOf(context),
+        DrawPolygon(context.Target(), {pPoints, static_cast<std::size_t>(n32Count)}, context.Origin(),
                     InksOf(context));
     });
 }
@@ -119,6 +112,7 @@ BOOL Arc(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom, int n32S
     return Draw(hDC, [&](const Context& context) {
         if (const auto pen = PenOf(context))
             DrawArc(context.Target(), PlacedBox(context, n32Left, n32Top, n32Right, n32Bottom),
-                    PlacedPoint(context, n32StartX, n32StartY), PlacedPoint(context, n32EndX, n32EndY), *pen);
+                    context.Placed(POINT{n32StartX, n32StartY}), context.Placed(POINT{n32EndX, n32EndY}),
+                    *pen);
     });
 }

@@ -1,22 +1,23 @@
-// What stands behind the handles: pens, brushes, fonts, bitmaps, palettes and contexts, and the table of
-// handles.
+// What stands behind the handles: pens, brushes, fonts, bitmaps, palettes, regions and contexts, and the
+// table of handles.
 #pragma once
 
 #include <array>
 #include <atomic>
 #include <concepts>
 #include <memory>
+#include <optional>
 #include <span>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "kalvo/gdi/gdi.h"
-#include "kalvo/raster/surface.h"
+#include "kalvo/raster/lines.h"
 
 namespace Zelkor::Platform {
 
-enum class ObjectKind : std::uint8_t { Context, Pen, Brush, Font, Bitmap, Palette };
+enum class ObjectKind : std::uint8_t { Context, Pen, Brush, Font, Bitmap, Palette, Region };
 
 struct GdiObject {
     explicit GdiObject(ObjectKind objectKind) : kind(objectKind) {}
@@ -70,30 +71,63 @@ struct Palette final : GdiObject {
     const std::vector<PALETTEENTRY> entries;
 };
 
-// Selected objects are never null. The pointers stay valid because selected objects can't be deleted.
-struct Context final : GdiObject {
-    static constexpr ObjectKind kKind = ObjectKind::Context;
-    // Takes the bitmap over, registers it and selects it and the other defaults.
-    explicit Context(std::unique_ptr<Bitmap> first);
-    ~Context() override;
+struct RegionObject final : GdiObject {
+    static constexpr ObjectKind kKind = ObjectKind::Region;
+    explicit RegionObject(Region region) : GdiObject(kKind), pixels(std::move(region)) {}
 
+    Region pixels;
+};
+
+// What a context draws with. Selected objects are never null. The pointers stay valid because selected
+// objects can't be deleted.
+struct ContextState {
     Pen* pen = nullptr;
     Brush* brush = nullptr;
     Font* font = nullptr;
     Bitmap* bitmap = nullptr;
     Palette* palette = nullptr;
-    Bitmap* ownBitmap = nullptr;  // the 1 x 1 one of memory contexts, or the pixels of a palette device
+    std::optional<Region> clip;  // pixels of the bitmap
     POINT viewportOrigin{0, 0};
+    POINT windowOrigin{0, 0};
     POINT position{0, 0};
     COLORREF textColor = RGB(0, 0, 0);
     COLORREF backgroundColor = RGB(255, 255, 255);
     int backgroundMode = OPAQUE;
     UINT textAlign = TA_LEFT | TA_TOP;
     int stretchMode = BLACKONWHITE;
-    bool isPaletteDevice = false;
     bool isPaletteInBackground = false;
+};
 
-    const Surface& Target() const { return bitmap->surface; }
+struct Context final : GdiObject, ContextState {
+    static constexpr ObjectKind kKind = ObjectKind::Context;
+    // Takes the bitmap over, registers it and selects it and the other defaults.
+    explicit Context(std::unique_ptr<Bitmap> first);
+    ~Context() override;
+
+    Bitmap* ownBitmap = nullptr;  // the 1 x 1 one of memory contexts, or the pixels of a palette device
+    bool isPaletteDevice = false;
+
+    // The pixels to draw on; what is drawn there is clipped.
+    Surface Target() const {
+        Surface target = bitmap->surface;
+        target.clip = clip ? &*clip : nullptr;
+        return target;
+    }
+
+    // Where coordinates of the caller begin on the bitmap, and where his points and rectangles are.
+    Position Origin() const {
+        return {std::int64_t{viewportOrigin.x} - windowOrigin.x,
+                std::int64_t{viewportOrigin.y} - windowOrigin.y};
+    }
+    Position Placed(POINT point) const {
+        const Position origin = Origin();
+        return {origin.x + point.x, origin.y + point.y};
+    }
+    // As its corners are given: it may be empty.
+    Box Placed(const RECT& rect) const {
+        const Position a = Placed(POINT{rect.left, rect.top}), b = Placed(POINT{rect.right, rect.bottom});
+        return {a.x, a.y, b.x, b.y};
+    }
 };
 
 // The object behind a handle; null when the handle is null or stale.

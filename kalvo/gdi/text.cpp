@@ -78,7 +78,7 @@ class TextPainter {
 public:
     TextPainter(const Context& context, const Box& clip)
         : m_surface(context.Target()),
-          m_clip(Intersection(clip, {0, 0, m_surface.width, m_surface.height})),
+          m_clip(Intersection(clip, VisibleBox(m_surface))),
           m_font(context.font->logical),
           m_isOpaque(context.backgroundMode == OPAQUE),
           m_text(RawOf(context.textColor)),
@@ -112,13 +112,13 @@ private:
         const Box place{penX + glyph.left, baseline + glyph.top, penX + glyph.right, baseline + glyph.bottom};
         const Box visible = Intersection(place, m_clip);
         if (visible.IsEmpty()) return;
-        if (visible.Width() == place.Width() && visible.Height() == place.Height())
+        if (visible == place && IsClippedByBox(m_surface))
             return StoreGlyph(m_surface, glyph, static_cast<int>(penX), static_cast<int>(baseline), m_text);
         for (const GlyphRun& run : glyph.runs)
             Paint({penX + run.x0, baseline + run.y, penX + run.x1, baseline + run.y + 1}, m_text);
     }
 
-    const Surface& m_surface;
+    const Surface m_surface;
     const Box m_clip;
     const LOGFONTA& m_font;
     const bool m_isOpaque;
@@ -175,8 +175,7 @@ void PlaceText(Context& context, SizedFace& face, POINT place, std::string_view 
     const UINT align = context.textAlign;
     const POINT reference = align & TA_UPDATECP ? context.position : place;
     const std::int64_t width = WidthOf(face, text);
-    const std::int64_t x = std::int64_t{reference.x} + context.viewportOrigin.x;
-    const std::int64_t y = std::int64_t{reference.y} + context.viewportOrigin.y;
+    const auto [x, y] = context.Placed(reference);
     TextPainter(context, kEverywhere)
         .DrawLine(face, text, LeftOf(x, width, align), TopOf(y, face, align), width);
     if (align & TA_UPDATECP) context.position.x = ToLong(MovedPosition(reference.x, width, align));
@@ -214,9 +213,7 @@ std::int64_t OffsetInside(std::int64_t room, std::int64_t size, bool isMiddle, b
 // Returns the height of all lines.
 std::int64_t DrawLines(const Context& context, SizedFace& face, std::string_view text, const RECT& rect,
                        UINT format) {
-    const POINT origin = context.viewportOrigin;
-    const Box box{std::int64_t{rect.left} + origin.x, std::int64_t{rect.top} + origin.y,
-                  std::int64_t{rect.right} + origin.x, std::int64_t{rect.bottom} + origin.y};
+    const Box box = context.Placed(rect);
     const TextPainter painter(context, format & DT_NOCLIP ? kEverywhere : box);
     const bool isSingle = (format & DT_SINGLELINE) != 0;
     const std::int64_t top =

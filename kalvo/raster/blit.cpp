@@ -10,15 +10,16 @@
 
 #include "kalvo/kernels/kernels.h"
 #include "kalvo/raster/convert.h"
+#include "kalvo/raster/lines.h"
 #include "kalvo/raster/pixelaccess.h"
 
 namespace Zelkor::Platform {
 namespace {
 
-// What is visible of an axis: the destination pixels that exist and take a source pixel that exists.
+// What is visible of an axis: the destination pixels that can be changed and take a source pixel that exists.
 class VisibleAxis {
 public:
-    VisibleAxis(const BlitAxis& axis, int destinationLimit, int sourceLimit)
+    VisibleAxis(const BlitAxis& axis, Span destinationLimits, int sourceLimit)
         : m_destinationSize(std::abs(axis.destinationSize)),
           m_sourceSize(std::abs(axis.sourceSize)),
           m_source(std::min(axis.source, axis.source + axis.sourceSize)),
@@ -31,8 +32,8 @@ public:
             end = m_destinationSize - end;
         }
         const std::int64_t start = std::min(axis.destination, axis.destination + axis.destinationSize);
-        begin = std::max(begin, -start);
-        end = std::min(end, destinationLimit - start);
+        begin = std::max(begin, destinationLimits.begin - start);
+        end = std::min(end, destinationLimits.end - start);
         if (begin >= end) return;
         m_skipped = begin;
         m_first = static_cast<int>(start + begin);
@@ -40,6 +41,7 @@ public:
     }
 
     int First() const { return m_first; }  // in the destination
+    Span All() const { return {m_first, std::int64_t{m_first} + m_count}; }
     int Count() const { return m_count; }
 
     // Whether neighbours take neighbours.
@@ -159,13 +161,29 @@ private:
     std::vector<std::uint8_t> m_sampled;  // a row of pixels that are not yet converted
 };
 
+// Copies rows of which only pieces are visible: whole ones into memory first.
+void BlitPieces(const Surface& destination, RowReader& reader, const VisibleAxis& x, const VisibleAxis& y) {
+    std::vector<std::uint8_t> pixels(
+        (static_cast<std::size_t>(x.Count()) * BitsPerPixel(destination.layout) + 7) / 8);
+    for (int i = 0, previous = -1; i < y.Count(); ++i) {
+        const int sourceY = y.SourceOf(i);
+        if (sourceY != previous) reader.Read(sourceY, pixels.data(), 0);
+        previous = sourceY;
+        const int row = y.First() + i;
+        ForVisibleSpans(destination, row, x.All(), [&](int x0, int x1) {
+            CopyPixels(destination.layout, pixels.data(), x0 - x.First(), destination.Row(row), x0, x1 - x0);
+        });
+    }
+}
+
 }  // namespace
 
 void Blit(const Surface& destination, const Surface& source, const BlitAxis& columns, const BlitAxis& rows) {
-    const VisibleAxis x(columns, destination.width, source.width);
-    const VisibleAxis y(rows, destination.height, source.height);
+    const VisibleAxis x(columns, ColumnsOf(destination), source.width);
+    const VisibleAxis y(rows, RowsOf(destination), source.height);
     if (x.Count() == 0 || y.Count() == 0) return;
     RowReader reader(source, destination, x);
+    if (!IsClippedByBox(destination)) return BlitPieces(destination, reader, x, y);
     for (int i = 0, previous = -1; i < y.Count(); ++i) {
         const int sourceY = y.SourceOf(i);
         std::uint8_t* row = destination.Row(y.First() + i);
@@ -180,8 +198,8 @@ void Blit(const Surface& destination, const Surface& source, const BlitAxis& col
 
 void Blend(const Surface& destination, const Surface& source, const BlitAxis& columns, const BlitAxis& rows,
            std::uint8_t alpha) {
-    const VisibleAxis x(columns, destination.width, source.width);
-    const VisibleAxis y(rows, destination.height, source.height);
+    const VisibleAxis x(columns, ColumnsOf(destination), source.width);
+    const VisibleAxis y(rows, RowsOf(destination), source.height);
     if (x.Count() == 0 || y.Count() == 0) return;
 
     // Components of whole bytes mix where they are, others in a row of 24 bits.
@@ -204,13 +222,17 @@ void Blend(const Surface& destination, const Surface& source, const BlitAxis& co
         previous = sourceY;
 
         std::uint8_t* row = destination.Row(y.First() + i);
-        if (mixesInPlace) {
-            Kernels::Active().blendConstant(row + bytesPerPixel * x.First(), pixels, bytes, alpha);
-        } else {
-            toMixed.Convert(row, x.First(), mixedPixels.data(), 0, x.Count());
-            Kernels::Active().blendConstant(mixedPixels.data(), pixels, bytes, alpha);
-            fromMixed.Convert(mixedPixels.data(), 0, row, x.First(), x.Count());
-        }
+        ForVisibleSpans(destination, y.First() + i, x.All(), [&](int x0, int x1) {
+            const std::uint8_t* piece = pixels + bytesPerPixel * (x0 - x.First());
+            const std::size_t pieceBytes = static_cast<std::size_t>(bytesPerPixel * (x1 - x0));
+            if (mixesInPlace) {
+                Kernels::Active().blendConstant(row + bytesPerPixel * x0, piece, pieceBytes, alpha);
+            } else {
+                toMixed.Convert(row, x0, mixedPixels.data(), 0, x1 - x0);
+                Kernels::Active().blendConstant(mixedPixels.data(), piece, pieceBytes, alpha);
+                fromMixed.Convert(mixedPixels.data(), 0, row, x0, x1 - x0);
+            }
+        });
     }
 }
 

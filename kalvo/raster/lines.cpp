@@ -36,47 +36,47 @@ struct Steps {
         bias = length - (minorStep > 0 ? 1 : 0);
     }
 
-    // The steps whose pixels are inside.
-    Span Visible(const Surface& surface) const {
-        const Int128 majorEnd = alongX ? surface.width : surface.height;
-        const Int128 minorEnd = alongX ? surface.height : surface.width;
+    // The steps whose pixels are in a box.
+    Span Inside(const Box& box) const {
+        const Span majors = alongX ? box.Columns() : box.Rows();
+        const Span minors = alongX ? box.Rows() : box.Columns();
         Span steps{0, length};
-        steps = WhereNotNegative(steps, majorStep, major);
-        steps = WhereNotNegative(steps, -majorStep, majorEnd - 1 - major);
+        steps = WhereNotNegative(steps, majorStep, Int128{major} - majors.begin);
+        steps = WhereNotNegative(steps, -majorStep, Int128{majors.end} - 1 - major);
         // How far the line may move across before it enters, and before it leaves.
-        const Int128 enter = minorStep > 0 ? Int128{-minor} : minor - (minorEnd - 1);
-        const Int128 leave = minorStep > 0 ? minorEnd - minor : Int128{minor} + 1;
+        const Int128 enter = minorStep > 0 ? minors.begin - minor : minor - (minors.end - 1);
+        const Int128 leave = minorStep > 0 ? minors.end - minor : minor - minors.begin + 1;
         const Int128 divisor = Int128{2} * length;
         steps = WhereNotNegative(steps, Int128{2} * rise, bias - divisor * enter);
         return WhereNotNegative(steps, Int128{-2} * rise, divisor * leave - bias - 1);
     }
 };
 
-template <class Access>
-void StoreSteps(Access, const Surface& surface, const Steps& line, Span steps, RawPixel pixel) {
+// Calls visit(x, y) for the pixels of some steps; y counts in units of `rowUnit`.
+template <class Visit>
+void WalkSteps(const Steps& line, Span steps, std::ptrdiff_t rowUnit, Visit&& visit) {
     const Int128 numerator = Int128{2} * steps.begin * line.rise + line.bias;
     const std::int64_t divisor = 2 * line.length;
     const std::int64_t major = line.major + line.majorStep * steps.begin;
     const std::int64_t minor = line.minor + line.minorStep * static_cast<std::int64_t>(numerator / divisor);
     auto error = static_cast<std::int64_t>(numerator % divisor);
 
-    const std::ptrdiff_t pitch = surface.pitchBytes;
     const int majorColumns = line.alongX ? line.majorStep : 0;
     const int minorColumns = line.alongX ? 0 : line.minorStep;
-    const std::ptrdiff_t majorBytes = line.alongX ? 0 : line.majorStep * pitch;
-    const std::ptrdiff_t minorBytes = line.alongX ? line.minorStep * pitch : 0;
+    const std::ptrdiff_t majorRows = line.alongX ? 0 : line.majorStep * rowUnit;
+    const std::ptrdiff_t minorRows = line.alongX ? line.minorStep * rowUnit : 0;
 
     int x = static_cast<int>(line.alongX ? major : minor);
-    std::ptrdiff_t rowBytes = (line.alongX ? minor : major) * pitch;
+    std::ptrdiff_t y = (line.alongX ? minor : major) * rowUnit;
     for (std::int64_t count = steps.end - steps.begin; count > 0; --count) {
-        Access::Store(surface.topRow + rowBytes, x, pixel);
+        visit(x, y);
         x += majorColumns;
-        rowBytes += majorBytes;
+        y += majorRows;
         error += 2 * line.rise;
         if (error < divisor) continue;
         error -= divisor;
         x += minorColumns;
-        rowBytes += minorBytes;
+        y += minorRows;
     }
 }
 
@@ -88,9 +88,7 @@ void PaintPoint(const Surface& surface, Position point, RawPixel pixel) {
 }
 
 void PaintSpan(const Surface& surface, int y, Span columns, RawPixel pixel) {
-    const Span visible = Intersection(columns, ColumnsOf(surface));
-    if (!visible.IsEmpty())
-        FillSpan(surface, y, static_cast<int>(visible.begin), static_cast<int>(visible.end), pixel);
+    ForVisibleSpans(surface, y, columns, [&](int x0, int x1) { FillSpan(surface, y, x0, x1, pixel); });
 }
 
 void PaintBox(const Surface& surface, const Box& box, RawPixel pixel) {
@@ -105,10 +103,18 @@ void PaintLine(const Surface& surface, Position from, Position to, RawPixel pixe
         return PaintBox(surface, {columns.begin, from.y, columns.end, from.y + 1}, pixel);
     }
     const Steps line(from, to);
-    const bool isInside = IsVisible(surface, from) && IsVisible(surface, to);
-    const Span steps = isInside ? Span{0, line.length} : line.Visible(surface);
+    const Box visible = VisibleBox(surface);
+    const bool isInside = visible.Contains(from) && visible.Contains(to);
+    const Span steps = isInside ? Span{0, line.length} : line.Inside(visible);
     if (steps.IsEmpty()) return;
-    WithPixels(surface.layout, [&](auto access) { StoreSteps(access, surface, line, steps, pixel); });
+    if (!IsClippedByBox(surface))
+        return WalkSteps(line, steps, 1, [&](int x, std::ptrdiff_t y) {
+            PaintPoint(surface, {x, y}, pixel);
+        });
+    WithPixels(surface.layout, [&](auto access) {
+        WalkSteps(line, steps, surface.pitchBytes,
+                  [&](int x, std::ptrdiff_t row) { access.Store(surface.topRow + row, x, pixel); });
+    });
 }
 
 }  // namespace Zelkor::Platform

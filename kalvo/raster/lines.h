@@ -1,57 +1,49 @@
-// Points, lines one pixel wide, spans and boxes on a surface, clipped to it. Any coordinates will do, and
-// cost no more than the pixels that can be seen.
+// Points, lines one pixel wide, spans and boxes on a surface, clipped to it and to its region. Any
+// coordinates will do, and cost no more than the pixels that can be seen.
 #pragma once
 
 #include <cstdint>
 
+#include "kalvo/raster/region.h"
 #include "kalvo/raster/spans.h"
 #include "kalvo/raster/surface.h"
 
 namespace Zelkor::Platform {
 
-// A pixel of the surface, or one beyond its edges: 32-bit coordinates plus a 32-bit origin.
-struct Position {
-    std::int64_t x = 0;
-    std::int64_t y = 0;
-};
-
-// Pixels left <= x < right of rows top <= y < bottom.
-struct Box {
-    std::int64_t left = 0;
-    std::int64_t top = 0;
-    std::int64_t right = 0;
-    std::int64_t bottom = 0;
-
-    std::int64_t Width() const { return right - left; }
-    std::int64_t Height() const { return bottom - top; }
-    bool IsEmpty() const { return left >= right || top >= bottom; }
-    // Grown by so many pixels on every side, or shrunk by a negative number of them.
-    Box GrownBy(std::int64_t pixels) const {
-        return {left - pixels, top - pixels, right + pixels, bottom + pixels};
-    }
-};
-
-inline Box Intersection(const Box& a, const Box& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
+// Where drawing can change pixels: on the surface, and within the bounds of what clips it.
+inline Box VisibleBox(const Surface& surface) {
+    const Box whole{0, 0, surface.width, surface.height};
+    return surface.clip ? Intersection(whole, surface.clip->Bounds()) : whole;
 }
+inline Span ColumnsOf(const Surface& surface) { return VisibleBox(surface).Columns(); }
+inline Span RowsOf(const Surface& surface) { return VisibleBox(surface).Rows(); }
 
-inline Span ColumnsOf(const Surface& surface) { return {0, surface.width}; }
-inline Span RowsOf(const Surface& surface) { return {0, surface.height}; }
+// Whether all pixels of the visible box can be changed.
+inline bool IsClippedByBox(const Surface& surface) { return !surface.clip || surface.clip->IsBox(); }
 
 inline bool IsVisible(const Surface& surface, Position point) {
-    return point.x >= 0 && point.x < surface.width && point.y >= 0 && point.y < surface.height;
+    return VisibleBox(surface).Contains(point) && (!surface.clip || surface.clip->Contains(point));
 }
 
-// Calls operation(y), an int, for those of the rows that lie on the surface.
+// Calls operation(y), an int, for those of the rows that are visible.
 template <class Operation>
 void ForVisibleRows(const Surface& surface, Span rows, Operation&& operation) {
     const Span visible = Intersection(rows, RowsOf(surface));
     for (std::int64_t y = visible.begin; y < visible.end; ++y) operation(static_cast<int>(y));
 }
 
+// Calls operation(x0, x1), ints, for the visible parts of a span in row y of the surface.
+template <class Operation>
+void ForVisibleSpans(const Surface& surface, int y, Span columns, Operation&& operation) {
+    const auto call = [&](Span span) { operation(static_cast<int>(span.begin), static_cast<int>(span.end)); };
+    const Span inside = Intersection(columns, {0, surface.width});
+    if (inside.IsEmpty()) return;
+    if (!surface.clip) return call(inside);
+    surface.clip->ForSpans(y, inside, call);
+}
+
 void PaintPoint(const Surface& surface, Position point, RawPixel pixel);
-void PaintSpan(const Surface& surface, int y, Span columns, RawPixel pixel);  // y is visible
+void PaintSpan(const Surface& surface, int y, Span columns, RawPixel pixel);  // y is on the surface
 void PaintBox(const Surface& surface, const Box& box, RawPixel pixel);
 
 // The line between two pixels without the last one. Halfway between two pixels it takes the upper or left

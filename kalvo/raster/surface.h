@@ -19,6 +19,8 @@ constexpr int BitsPerPixel(PixelLayout layout) {
 
 constexpr bool IsIndexed(PixelLayout layout) { return layout <= PixelLayout::Indexed8; }
 
+class Region;
+
 // A view of rows of pixels, without ownership. Row 0 is the top one; the pitch is negative for bottom-up
 // rows.
 struct Surface {
@@ -28,6 +30,7 @@ struct Surface {
     int height = 0;
     PixelLayout layout = PixelLayout::Bgrx32;
     std::span<const RGBQUAD> colors;  // indexed layouts only: 2 or up to 256 entries
+    const Region* clip = nullptr;  // the pixels that drawing may change; null: all. Reading takes no notice
 
     std::uint8_t* Row(int y) const { return topRow + y * pitchBytes; }
 };
@@ -74,11 +77,11 @@ unsigned NearestEntry(std::span<const RGBQUAD> colors, RawPixel bgr);
 RawPixel RawFromBgr(const Surface& surface, RawPixel bgr);
 RawPixel BgrFromRaw(const Surface& surface, RawPixel pixel);
 
-// Reads and stores one pixel, which must lie inside.
+// Reads and stores one pixel, which must lie inside and is not clipped.
 RawPixel ReadPixel(const Surface& surface, int x, int y);
 void StorePixel(const Surface& surface, int x, int y, RawPixel pixel);
 
-// Stores pixels x0 <= x < x1 of row y, which must lie inside.
+// Stores pixels x0 <= x < x1 of row y, which must lie inside and are not clipped.
 void FillSpan(const Surface& surface, int y, int x0, int x1, RawPixel pixel);
 
 }  // namespace Zelkor::Platform
