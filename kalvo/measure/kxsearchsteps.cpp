@@ -28,9 +28,8 @@ struct Steps {
 };
 
 Steps StepsFor(float range, float step, bool adjust) {
-    const float quotient = range / step;
-    const std::int32_t intervals = TruncateToInt(quotient + (quotient >= 0 ? 0.5f : -0.5f));
-    const unsigned count = intervals < 0 ? 0 : intervals + 1u;
+    const std::int32_t intervals = RoundToInt(range / step);
+    const unsigned count = static_cast<unsigned>(intervals) + 1;
     return {count, adjust && intervals != 0 ? range / static_cast<float>(intervals) : step};
 }
 

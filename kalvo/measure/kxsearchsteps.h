@@ -8,9 +8,10 @@
 /// @param n32Width      of the pattern in pixels, at least 1, else `KX_ERROR_PARAMETER_1_OUT_OF_RANGE`
 /// @param n32Height     likewise, else `KX_ERROR_PARAMETER_2_OUT_OF_RANGE`; a failure sets no result
 /// @param f32SkewRange  angles to search, in the current angle unit
-/// @param un32SkewSteps, un32ScaleSteps  numbers of steps that cover the ranges, both ends included. A range
-///                      may be any value: beyond 2^31 steps, and below none, the count is clamped, and NaN
-///                      counts as 0
+/// @param un32SkewSteps, un32ScaleSteps  numbers of steps that cover the ranges, both ends included: the
+/// range
+///                      in steps, rounded, plus 1. A negative range makes a negative number, stored modulo
+///                      2^32; ranges beyond 2^31 steps are clamped, and NaN counts as 0
 /// @param f32SkewStep   angle from one step to the next, in the current angle unit
 /// @param f32ScaleRange scale factors to search
 /// @param f32ScaleStep  scale factor from one step to the next

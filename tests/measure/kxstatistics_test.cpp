@@ -102,11 +102,21 @@ TEST(SearchSteps, MovePointsByAboutOnePixel) {
     EXPECT_NEAR(Search(100, 100, 0, 0, 0).skewStep, 180 / (38.2598 * 3.14159265), 1e-5);
 }
 
+TEST(SearchSteps, CountNegativeRangesModulo2To32) {
+    KxSetAngleUnit(KX_ANGLE_UNITS_RADIANS);
+    const Search backwards(100, 100, -0.5f, -0.01f, 1), further(100, 100, -0.5f, -0.04f, 0);
+    EXPECT_EQ(backwards.skewSteps, -18u);  // 19.13 steps back, rounded, and one more
+    EXPECT_EQ(backwards.skewStep, 0.5f / 19);
+    EXPECT_EQ(backwards.scaleSteps, 1u);
+    EXPECT_EQ(further.scaleSteps, -1u);
+    KxSetAngleUnit(KX_ANGLE_UNITS_DEGREES);
+}
+
 TEST(SearchSteps, ClampRangesAndRefuseEmptyPatterns) {
     const Search huge(100, 100, INFINITY, 1e30f, 1), hostile(INT_MAX, 1, NAN, -1e30f, 1);
     EXPECT_EQ(huge.skewSteps & huge.scaleSteps, 0x80000000u);
     EXPECT_EQ(hostile.skewSteps, 1u);
-    EXPECT_EQ(hostile.scaleSteps, 0u);
+    EXPECT_EQ(hostile.scaleSteps, 0x80000001u);
     const Testing::TraceRecorder traces;
     for (const auto& [width, height, code] : {std::tuple{0, 0, KX_ERROR_PARAMETER_1_OUT_OF_RANGE},
                                               std::tuple{1, INT_MIN, KX_ERROR_PARAMETER_2_OUT_OF_RANGE}}) {
