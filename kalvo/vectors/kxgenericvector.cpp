@@ -65,14 +65,15 @@ void KxVector::SetNbMaxGroup() {
     UpdateNbMaxGroup();
 }
 
-// The old buffer goes first, so that both never need memory together.
+// The old buffer goes first, so that both never need memory together. Without a new one, the number of groups
+// that fit stays as it was.
 short KxVector::Replace(std::int64_t n64Bytes, const char* pszTraceName) {
     KxOk();
     m_pData.reset();
     if (n64Bytes > 0 && n64Bytes <= kMostBytes)
         m_pData.reset(static_cast<unsigned char*>(std::calloc(static_cast<std::size_t>(n64Bytes), 1)));
     m_n32AllocatedSize = m_pData ? static_cast<std::int32_t>(n64Bytes) : 0;
-    UpdateNbMaxGroup();
+    if (m_pData) UpdateNbMaxGroup();
     if (n64Bytes > 0 && !m_pData) Report(KX_ERROR_ALLOCATION, pszTraceName);
     return Outcome();
 }

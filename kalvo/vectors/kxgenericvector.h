@@ -32,7 +32,8 @@ public:
     /// 1 to 7 for a predefined structure, else 0; and its code of use.
     int GetVectType() const { return Got(m_n32VectType); }
     int GetUse() const { return Got(m_n32Use); }
-    /// Groups in use, groups that fit in the buffer, items in a group.
+    /// Groups in use, groups that fit in the buffer (or fitted in the last one, when it is gone), items in a
+    /// group.
     int GetNbGroup() const { return Got(m_n32NbGroup); }
     int GetNbMaxGroup() const { return Got(m_n32NbMaxGroup); }
     int GetGroupLength() const { return Got(m_n32GroupLength); }

@@ -157,12 +157,12 @@ void KxVectorTemplate<T>::Sift(const T& value, int (*pfnBetter)(const T&, const 
 
 template <class T>
 void KxVectorTemplate<T>::Serialize(std::FILE* pStream, int bWriting, unsigned int un32Version) {
-    KxOk();
     AtBoundary(nullptr, [&] {
         if (bWriting)
             WriteElements(pStream, *this, un32Version);
         else
             ReadElements(pStream, *this, un32Version);
+        if (m_un32NumElements > 0) KxOk();  // it is the elements that reset the slot
     });
 }
 

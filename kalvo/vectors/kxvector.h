@@ -25,10 +25,10 @@ public:
     virtual ~KxVectorTemplate();
 
     /// Exchanges count and elements with an open stream: writes them when `bWriting` is not 0, else reads.
-    /// The outcome is stored but not traced: `KX_OK`, `KX_ERROR_FILE_READ` (a file that ends early keeps its
-    /// count, missing elements are zero), `KX_ERROR_FILE_WRITE`, `KX_ERROR_ALLOCATION` (also for a count that
-    /// the file cannot hold by far), `KX_ERROR_UNSUPPORTED_FILE_VERSION` (an address too wide for the
-    /// version).
+    /// The outcome is stored but not traced: `KX_OK` (stored only when there are elements),
+    /// `KX_ERROR_FILE_READ` (a file that ends early keeps its count, missing elements are zero),
+    /// `KX_ERROR_FILE_WRITE`, `KX_ERROR_ALLOCATION` (also for a count that the file cannot hold by far),
+    /// `KX_ERROR_UNSUPPORTED_FILE_VERSION` (an address too wide for the version).
     /// @param un32Version  format version of the elements, 1; a `KxRun` is 12 bytes in version 1 (32-bit
     ///                     addresses) and 20 bytes in version 2 (64-bit addresses)
     virtual void Serialize(std::FILE* pStream, int bWriting, unsigned int un32Version = 1);

@@ -80,6 +80,17 @@ TEST_F(VectorFile, HoldsHeaderCountAndElements) {
                 {1, 0, 0, 0, 0, 0, 0, 0, 0x9A, 0x78, 0x56, 0x34, 0x12, 0, 0, 0, 4, 0, 0xFB, 0xFF});
 }
 
+TEST_F(VectorFile, ElementsResetTheSlotAndNoneDoNot) {
+    for (const unsigned count : {0u, 2u})
+        for (const char* mode : {"wb", "rb"}) {
+            Grays vector = MakeGrays(count);
+            const Platform::File file(path.c_str(), mode);
+            KxSetError(KX_ERROR_SIZE_MISMATCH);
+            vector.Serialize(file.Get(), *mode == 'w');
+            EXPECT_EQ(KxGetError(), count ? KX_OK : KX_ERROR_SIZE_MISMATCH) << count << mode;
+        }
+}
+
 TEST_F(VectorFile, NarrowRunsRefuseWideAddressesBeforeWriting) {
     KxVectorTemplate<KxRun> runs(2);
     runs[1].pBeg = Address(std::uint64_t{1} << 32);
