@@ -7,11 +7,15 @@
 
 #include "kalvo/frame/errortable.h"
 #include "kalvo/frame/kxthread.h"
+#include "kalvo/frame/thread_slot.h"
 
 KX_ERRORS KxOk() { return KxSetError(KX_OK); }
 
 KX_ERRORS KxSetError(KX_ERRORS eError) {
-    if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_eError = eError;
+    if (OzzoTLSStruct* record = KxGetTLSPtr())
+        record->m_eError = eError;
+    else
+        Zelkor::Kalvo::KeepFailure(eError);
     return eError;
 }
 

@@ -14,7 +14,8 @@ KX_API KX_ERRORS KxOk();
 /// Stores `eError` in the slot and returns it.
 KX_API KX_ERRORS KxSetError(KX_ERRORS eError);
 
-/// The code in the slot; `KX_ERROR_CANNOT_TRACE` when there is no memory for this thread's record.
+/// The code in the slot; `KX_ERROR_CANNOT_TRACE` as long as there is no memory for this thread's record. A
+/// failure stored meanwhile is kept, and in the slot once there is.
 KX_API KX_ERRORS KxGetError();
 
 /// 1 when the slot holds no failure (code below 1000), else 0.

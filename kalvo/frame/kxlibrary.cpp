@@ -3,6 +3,7 @@
 #include "kalvo/frame/kxlibrary.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "kalvo/base/cpu.h"
 #include "kalvo/frame/kxthread.h"
@@ -12,31 +13,23 @@ namespace {
 
 constinit int recursiveCopyBehavior = 1;
 constinit int useMmx = 0;
-
-enum Reason : unsigned long { kProcessDetach = 0, kProcessAttach = 1, kThreadDetach = 3 };
-
-// Runs before any static constructor, ours or those of the programs and libraries that link against this one.
-__attribute__((constructor(101))) void OnLoad() {
-    useMmx = Zelkor::Platform::HasMmx();
-    Zelkor::Kalvo::Initialize();
-    KxInternalDllMain(nullptr, kProcessAttach, nullptr);
-}
-
-__attribute__((destructor(101))) void OnUnload() { KxInternalDllMain(nullptr, kProcessDetach, nullptr); }
+constinit bool isInitialized = false;
 
 }  // namespace
 
 int KxInternalDllMain(void*, unsigned long un32Reason, void*) {
+    using namespace Zelkor::Kalvo;
     switch (un32Reason) {
     case kProcessAttach:
-        Zelkor::Kalvo::OpenThreadSlot();
+        Initialize();
+        OpenThreadSlot();
         break;
     case kThreadDetach:
         CloseThreadLocalStorage();
         break;
     case kProcessDetach:
-        Zelkor::Kalvo::Terminate();
-        Zelkor::Kalvo::CloseThreadSlot();
+        Terminate();
+        CloseThreadSlot();
         break;
     }
     return 1;
@@ -84,7 +77,10 @@ void Kalvo_Free(void* pBlock) { std::free(pBlock); }
 
 namespace Zelkor::Kalvo {
 
-void Initialize() {}
+// A program that attaches the library again keeps its settings.
+void Initialize() {
+    if (!std::exchange(isInitialized, true)) useMmx = Platform::HasMmx();
+}
 
 void Terminate() {}
 

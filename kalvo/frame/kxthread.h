@@ -28,7 +28,9 @@ struct KxTimeReading {
 };
 
 /// Per-thread state. A thread gets its record on its first call that needs one and loses it when it ends; the
-/// thread that loads the library has one from the start. Use the functions that read and write the fields.
+/// thread that loads the library has one from the start. A thread that outlives the library, where a program
+/// unloads it, calls `CloseThreadLocalStorage` before, or leaves its record behind. Use the functions that
+/// read and write the fields.
 struct OzzoTLSStruct {
     KX_ERRORS m_eError = KX_OK;                          ///< the error slot
     KX_TRACE_MODE m_eTraceMode = KX_TRACE_MODE_MESSAGE;  ///< the trace mode

@@ -3,11 +3,22 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <new>
 #include <thread>
 
 #include "kalvo/frame/kxlibrary.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/trace_recorder.h"
+
+namespace {
+bool memoryIsShort = false;
+}
+
+// Records come from here.
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return memoryIsShort ? nullptr : ::operator new(bytes);
+}
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -60,6 +71,27 @@ TEST(ThreadRecord, IsReleasedAndMadeAgain) {
         EXPECT_NE(KxGetTLSPtr(), earlier);
         delete earlier;  // replaced without being released
     }).join();
+}
+
+TEST(ThreadRecord, StartsWithTheFailureThatFoundNoMemoryForIt) {
+    const auto failureAfter = [](auto operation) {
+        KX_ERRORS failure = KX_OK;
+        std::thread([&] {
+            memoryIsShort = true;
+            operation();
+            EXPECT_EQ(KxGetTLSPtr(), nullptr);
+            EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_TRACE);
+            memoryIsShort = false;
+            failure = KxGetError();
+            KxOk();
+            ExpectFreshRecord(*KxGetTLSPtr());
+        }).join();
+        return failure;
+    };
+    EXPECT_EQ(failureAfter([] { KxSetError(KX_ERROR_SIZE_MISMATCH); }), KX_ERROR_SIZE_MISMATCH);
+    EXPECT_EQ(failureAfter([] { KxSetError(static_cast<KX_ERRORS>(INT_MIN)); }), INT_MIN);
+    EXPECT_EQ(failureAfter([] { KxSetJpegQuality(75); }), KX_ERROR_CANNOT_TRACE) << "the quality is lost";
+    EXPECT_EQ(failureAfter([] { KxSetJpegQuality(75), KxOk(); }), KX_OK);
 }
 
 TEST(Library, WorksAgainAfterItWasDetached) {
