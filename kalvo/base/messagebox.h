@@ -17,7 +17,7 @@ inline constexpr int kMessageBoxOk = 1;
 /// @param handler  called on the thread that reports, must not throw; null puts the first handler back
 KX_API MessageBoxHandler SetMessageBoxHandler(MessageBoxHandler handler);
 
-/// Shows `text` under `caption` through the current handler and returns its answer.
-int MessageBoxA(const char* text, const char* caption, unsigned style);
+/// Shows `text` under `caption`, neither of them null, through the current handler and returns its answer.
+KX_API int MessageBoxA(const char* text, const char* caption, unsigned style);
 
 }  // namespace Zelkor::Platform

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "kalvo/base/kxexport.h"
+
 using BOOL = int;
 using BYTE = std::uint8_t;
 using WORD = std::uint16_t;

@@ -18,7 +18,11 @@ public:
 
     constexpr RGBColor(int n32Red, int n32Green, int n32Blue)
         : m_n32Red(n32Red), m_n32Green(n32Green), m_n32Blue(n32Blue) {}
-    friend constexpr bool operator==(const RGBColor&, const RGBColor&) = default;
+    friend constexpr bool operator==(const RGBColor& left, const RGBColor& right) {
+        return left.m_n32Red == right.m_n32Red && left.m_n32Green == right.m_n32Green &&
+               left.m_n32Blue == right.m_n32Blue;
+    }
+    friend constexpr bool operator!=(const RGBColor& left, const RGBColor& right) { return !(left == right); }
 
     /// No colour: the surface uses its own current pen, brush, text or background colour.
     static const RGBColor Current;

@@ -22,7 +22,13 @@ struct KX_API GenericRoiExtent {
     /// The extent of `region` at this moment.
     GenericRoiExtent(const KxGenericROI& region);
 
-    friend constexpr bool operator==(const GenericRoiExtent&, const GenericRoiExtent&) = default;
+    friend constexpr bool operator==(const GenericRoiExtent& left, const GenericRoiExtent& right) {
+        return left.m_n32OrgX == right.m_n32OrgX && left.m_n32OrgY == right.m_n32OrgY &&
+               left.m_n32Width == right.m_n32Width && left.m_n32Height == right.m_n32Height;
+    }
+    friend constexpr bool operator!=(const GenericRoiExtent& left, const GenericRoiExtent& right) {
+        return !(left == right);
+    }
 };
 
 }  // namespace Zelkor::Kalvo

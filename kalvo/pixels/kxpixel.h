@@ -63,7 +63,11 @@ struct KX_API KxC24 {
     KxC24() = default;
     constexpr KxC24(std::uint8_t un8C0, std::uint8_t un8C1, std::uint8_t un8C2)
         : m_un8C2(un8C2), m_un8C1(un8C1), m_un8C0(un8C0) {}
-    friend constexpr bool operator==(const KxC24&, const KxC24&) = default;
+    friend constexpr bool operator==(const KxC24& left, const KxC24& right) {
+        return left.m_un8C0 == right.m_un8C0 && left.m_un8C1 == right.m_un8C1 &&
+               left.m_un8C2 == right.m_un8C2;
+    }
+    friend constexpr bool operator!=(const KxC24& left, const KxC24& right) { return !(left == right); }
 };
 
 /// Four unsigned 8-bit planes.
@@ -76,7 +80,11 @@ struct KX_API KxC24A {
     KxC24A() = default;
     constexpr KxC24A(std::uint8_t un8C0, std::uint8_t un8C1, std::uint8_t un8C2, std::uint8_t un8A)
         : m_un8C2(un8C2), m_un8C1(un8C1), m_un8C0(un8C0), m_un8A(un8A) {}
-    friend constexpr bool operator==(const KxC24A&, const KxC24A&) = default;
+    friend constexpr bool operator==(const KxC24A& left, const KxC24A& right) {
+        return left.m_un8C0 == right.m_un8C0 && left.m_un8C1 == right.m_un8C1 &&
+               left.m_un8C2 == right.m_un8C2 && left.m_un8A == right.m_un8A;
+    }
+    friend constexpr bool operator!=(const KxC24A& left, const KxC24A& right) { return !(left == right); }
 };
 
 /// Luminance and chroma of one pixel. In a row each pair of pixels takes four bytes: Y0, U, Y1, V.
@@ -88,7 +96,10 @@ struct KX_API KxYUY2 {
     KxYUY2() = default;
     constexpr KxYUY2(std::uint8_t un8Y, std::uint8_t un8U, std::uint8_t un8V)
         : m_un8Y(un8Y), m_un8U(un8U), m_un8V(un8V) {}
-    friend constexpr bool operator==(const KxYUY2&, const KxYUY2&) = default;
+    friend constexpr bool operator==(const KxYUY2& left, const KxYUY2& right) {
+        return left.m_un8Y == right.m_un8Y && left.m_un8U == right.m_un8U && left.m_un8V == right.m_un8V;
+    }
+    friend constexpr bool operator!=(const KxYUY2& left, const KxYUY2& right) { return !(left == right); }
 };
 
 /// 32-bit IEEE float.
@@ -106,7 +117,12 @@ struct KX_API KxComplex64 {
     float m_f32Real;
     float m_f32Imaginary;
 
-    friend constexpr bool operator==(const KxComplex64&, const KxComplex64&) = default;
+    friend constexpr bool operator==(const KxComplex64& left, const KxComplex64& right) {
+        return left.m_f32Real == right.m_f32Real && left.m_f32Imaginary == right.m_f32Imaginary;
+    }
+    friend constexpr bool operator!=(const KxComplex64& left, const KxComplex64& right) {
+        return !(left == right);
+    }
 };
 
 /// A position with subpixel fractions, or 64 plain bits.
@@ -124,7 +140,11 @@ struct KX_API KxRaw32 : KxPlainPixel<std::uint32_t> {
 struct KX_API KxRaw96 {
     std::uint32_t m_un32Bits[3];
 
-    friend constexpr bool operator==(const KxRaw96&, const KxRaw96&) = default;
+    friend constexpr bool operator==(const KxRaw96& left, const KxRaw96& right) {
+        return left.m_un32Bits[0] == right.m_un32Bits[0] && left.m_un32Bits[1] == right.m_un32Bits[1] &&
+               left.m_un32Bits[2] == right.m_un32Bits[2];
+    }
+    friend constexpr bool operator!=(const KxRaw96& left, const KxRaw96& right) { return !(left == right); }
 };
 
 /// A signed 32-bit integer: an element of integer vectors, not a pixel of images.
@@ -139,7 +159,11 @@ struct KX_API KxRun {
     std::int16_t n16X;  ///< column of the first pixel
     std::int16_t n16Y;  ///< row
 
-    friend constexpr bool operator==(const KxRun&, const KxRun&) = default;
+    friend constexpr bool operator==(const KxRun& left, const KxRun& right) {
+        return left.pBeg == right.pBeg && left.pEnd == right.pEnd && left.n16X == right.n16X &&
+               left.n16Y == right.n16Y;
+    }
+    friend constexpr bool operator!=(const KxRun& left, const KxRun& right) { return !(left == right); }
 };
 
 /// The three components of a colour in any colour system.
