@@ -59,52 +59,66 @@ const char* OpenModeOf(KxSerializer::FileWriterMode eMode) {
 }  // namespace
 
 template <class Name>
-KxSerializer* KxFileSerializer::CreateReader(const Name& name) {
-    return AtBoundary(nullptr, [&]() -> KxSerializer* {
-        Platform::File file(name.c_str(), "rb");
-        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
-        std::unique_ptr<KxFileSerializer> stream(new KxFileSerializer);
-        stream->m_n64FileSize = Platform::SizeOf(file.Get());
-        stream->m_pFile = file.Release();
-        return stream.release();
-    });
+void KxFileSerializer::Read(const Name& name) {
+    Close();
+    Platform::File file(name.c_str(), "rb");
+    if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+    m_n64FileSize = Platform::SizeOf(file.Get());
+    m_Positions.clear();
+    m_bWriting = 0;
+    m_pFile = file.Release();
 }
 
 template <class Name>
-KxSerializer* KxFileSerializer::CreateWriter(const Name& name, FileWriterMode eMode) {
+void KxFileSerializer::Write(const Name& name, FileWriterMode eMode) {
+    if (eMode == NoOverwrite && Platform::File(name.c_str(), "rb"))
+        throw Exception(KX_ERROR_OVERWRITE_NOT_ALLOWED);
+    Close();
+    Platform::File file(name.c_str(), OpenModeOf(eMode));
+    if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+    // Appending begins at the end, but a file may say 0 until its first write.
+    if (eMode == Append) std::fseek(file.Get(), 0, SEEK_END);
+    m_Positions.clear();
+    m_bWriting = 1;
+    m_pFile = file.Release();
+}
+
+template <class Operation>
+KxSerializer* KxFileSerializer::Create(const Operation& open) {
     return AtBoundary(nullptr, [&]() -> KxSerializer* {
-        if (eMode == NoOverwrite && Platform::File(name.c_str(), "rb"))
-            throw Exception(KX_ERROR_OVERWRITE_NOT_ALLOWED);
-        Platform::File file(name.c_str(), OpenModeOf(eMode));
-        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
-        // Appending begins at the end, but a file may say 0 until its first write.
-        if (eMode == Append) std::fseek(file.Get(), 0, SEEK_END);
         std::unique_ptr<KxFileSerializer> stream(new KxFileSerializer);
-        stream->m_bWriting = 1;
-        stream->m_pFile = file.Release();
+        open(*stream);
         return stream.release();
     });
 }
 
 KxSerializer* KxSerializer::CreateFileReader(const std::string& name) {
-    return KxFileSerializer::CreateReader(name);
+    return KxFileSerializer::Create([&](KxFileSerializer& stream) { stream.OpenReader(name); });
 }
 
 KxSerializer* KxSerializer::CreateFileReader(const std::basic_string<unsigned short>& name) {
-    return KxFileSerializer::CreateReader(name);
+    return KxFileSerializer::Create([&](KxFileSerializer& stream) { stream.OpenReader(name); });
 }
 
 KxSerializer* KxSerializer::CreateFileWriter(const std::string& name, FileWriterMode eMode) {
-    return KxFileSerializer::CreateWriter(name, eMode);
+    return KxFileSerializer::Create([&](KxFileSerializer& stream) { stream.OpenWriter(name, eMode); });
 }
 
 KxSerializer* KxSerializer::CreateFileWriter(const std::basic_string<unsigned short>& name,
                                              FileWriterMode eMode) {
-    return KxFileSerializer::CreateWriter(name, eMode);
+    return KxFileSerializer::Create([&](KxFileSerializer& stream) { stream.OpenWriter(name, eMode); });
 }
 
-KxFileSerializer::~KxFileSerializer() {
-    if (m_pFile) std::fclose(m_pFile);
+KxFileSerializer::~KxFileSerializer() { KxFileSerializer::Close(); }
+
+void KxFileSerializer::OpenReader(const std::string& name) { Read(name); }
+
+void KxFileSerializer::OpenReader(const std::basic_string<unsigned short>& name) { Read(name); }
+
+void KxFileSerializer::OpenWriter(const std::string& name, FileWriterMode eMode) { Write(name, eMode); }
+
+void KxFileSerializer::OpenWriter(const std::basic_string<unsigned short>& name, FileWriterMode eMode) {
+    Write(name, eMode);
 }
 
 void KxFileSerializer::Close() {

@@ -71,7 +71,7 @@ void KxMemSerializer::PushStreamPos() { m_Positions.push_back(m_ReadPosition); }
 void KxMemSerializer::PopAndForgetStreamPos() { PopPosition(m_Positions); }
 
 void KxMemSerializer::PopAndApplyStreamPos() {
-    const std::size_t position = PopPosition(m_Positions);
-    // As in a file, what was written stays; but here nothing can be written before the end.
-    if (!m_bWriting) m_ReadPosition = position;
+    m_ReadPosition = PopPosition(m_Positions);
+    // Bytes are always written at the end.
+    if (m_bWriting) m_Buffer.resize(m_ReadPosition);
 }

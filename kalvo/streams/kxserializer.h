@@ -10,10 +10,9 @@
 #include "kalvo/frame/kxexception.h"
 
 class KxOpaqueSerializer;
-class KxSerializer;
 
 namespace Zelkor::Kalvo {
-std::uint64_t BytesLeft(const KxSerializer& stream);
+struct StreamContents;
 }
 
 /// A stream of archived objects. An object has one routine for both directions: the stream writes each field
@@ -95,7 +94,8 @@ public:
     void PushStreamPos();
     /// Drops the last saved position.
     void PopAndForgetStreamPos();
-    /// Returns to the last saved position and drops it. Throws `KX_ERROR_FILE_ACCESS` when it cannot.
+    /// Returns to the last saved position and drops it. Throws `KX_ERROR_FILE_ACCESS` when it cannot. What
+    /// was written after that position is dropped from memory; in a file it stays until it is written over.
     void PopAndApplyStreamPos();
 
     /// Opens a file for reading. The stream belongs to the caller, who deletes it; null on failure
@@ -142,8 +142,18 @@ public:
 /// A stream in a file that it opens by name and owns. The factories of `KxSerializer` make it.
 class KX_API KxFileSerializer : public KxOpaqueSerializer {
 public:
+    /// Closes the file. What was written may be incomplete when the slot then holds `KX_ERROR_FILE_CLOSE`.
     ~KxFileSerializer() override;
 
+    /// Opens another file for reading, closing the one that is open. Throws `KX_ERROR_FILE_OPEN`, and the
+    /// stream is closed.
+    void OpenReader(const std::string& name);
+    void OpenReader(const std::basic_string<unsigned short>& name);
+    /// Opens another file for writing, closing the one that is open. Throws `KX_ERROR_FILE_OPEN`, and the
+    /// stream is closed; or `KX_ERROR_OVERWRITE_NOT_ALLOWED`, and the stream is as it was.
+    void OpenWriter(const std::string& name, FileWriterMode eMode = Overwrite);
+    void OpenWriter(const std::basic_string<unsigned short>& name, FileWriterMode eMode = Overwrite);
+    /// Closes the file. `KX_ERROR_FILE_CLOSE` is left when not all that was written could be stored.
     void Close() override;
     unsigned int GetCurrentPos() override;
     void SerializeBytes(void* pData, unsigned int un32Size, const char* pszFieldName) override;
@@ -156,13 +166,15 @@ public:
 
 private:
     friend class KxSerializer;
-    friend std::uint64_t Zelkor::Kalvo::BytesLeft(const KxSerializer& stream);
+    friend struct Zelkor::Kalvo::StreamContents;
     KxFileSerializer() = default;
 
     template <class Name>
-    static KxSerializer* CreateReader(const Name& name);
+    void Read(const Name& name);
     template <class Name>
-    static KxSerializer* CreateWriter(const Name& name, FileWriterMode eMode);
+    void Write(const Name& name, FileWriterMode eMode);
+    template <class Operation>
+    static KxSerializer* Create(const Operation& open);
 
     std::FILE* m_pFile = nullptr;
     std::int64_t m_n64FileSize = 0;  // -1 when the file has none, as a pipe
@@ -186,7 +198,7 @@ public:
     void PopAndApplyStreamPos() override;
 
 private:
-    friend std::uint64_t Zelkor::Kalvo::BytesLeft(const KxSerializer& stream);
+    friend struct Zelkor::Kalvo::StreamContents;
 
     std::FILE* m_pFile;
     int m_bWriting;
@@ -215,7 +227,7 @@ public:
 
 private:
     friend class KxSerializer;
-    friend std::uint64_t Zelkor::Kalvo::BytesLeft(const KxSerializer& stream);
+    friend struct Zelkor::Kalvo::StreamContents;
 
     std::vector<unsigned char> m_Buffer;
     std::size_t m_ReadPosition = 0;

@@ -32,7 +32,12 @@ void TransferInteger(KxSerializer& stream, Value& value, const char* fieldName) 
 
 }  // namespace
 
-std::uint64_t BytesLeft(const KxSerializer& stream) {
+// Knows the streams from inside.
+struct StreamContents {
+    static std::uint64_t BytesLeft(const KxSerializer& stream);
+};
+
+std::uint64_t StreamContents::BytesLeft(const KxSerializer& stream) {
     if (!stream.IsReading()) return 0;
     if (const auto* memory = dynamic_cast<const KxMemSerializer*>(&stream))
         return memory->m_Buffer.size() - memory->m_ReadPosition;
@@ -42,6 +47,8 @@ std::uint64_t BytesLeft(const KxSerializer& stream) {
         return BytesLeftInFile(borrowed->m_pFile, borrowed->m_n64FileSize);
     return kUnknown;
 }
+
+std::uint64_t BytesLeft(const KxSerializer& stream) { return StreamContents::BytesLeft(stream); }
 
 void RequireBytes(const KxSerializer& stream, std::uint64_t bytes) {
     if (stream.IsReading() && BytesLeft(stream) < bytes) throw Exception(KX_ERROR_FILE_READ);

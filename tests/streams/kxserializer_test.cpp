@@ -143,9 +143,35 @@ TEST(KxFileSerializer, ReportsNamesThatCannotBeOpened) {
     }
 }
 
-TEST(KxFileSerializer, ReportsAFullDiskWhenClosedAndTransfersNothingAfterwards) {
+TEST(KxFileSerializer, OpensAnotherFileWhenTheLastOneIsClosed) {
+    const TemporaryFolder folder;
+    const std::string first = folder.File("first"), second = folder.File("second");
+    const Stream stream(KxSerializer::CreateFileWriter(first));
+    auto& file = dynamic_cast<KxFileSerializer&>(*stream);
+    Write(file, {1});
+    file.PushStreamPos();
+    EXPECT_EQ(CodeThrownBy([&] { file.OpenWriter(first, KxSerializer::NoOverwrite); }),
+              KX_ERROR_OVERWRITE_NOT_ALLOWED);
+    Write(file, {2});
+    file.OpenReader(Wide(first));
+    EXPECT_EQ(BytesLeft(file), 2u);
+    EXPECT_EQ(CodeThrownBy([&] { file.PopAndForgetStreamPos(); }), KX_ERROR_FILE_ACCESS);
+    file.OpenWriter(Wide(second));
+    Write(file, {3});
+    file.OpenWriter(second, KxSerializer::Append);
+    Write(file, {4});
+    EXPECT_EQ(CodeThrownBy([&] { file.OpenReader(folder.File("none")); }), KX_ERROR_FILE_OPEN);
+    EXPECT_EQ(CodeThrownBy([&] { NextByte(file); }), KX_ERROR_SERIALIZER_NOT_OPEN);
+    EXPECT_EQ(folder.Read("second"), (Bytes{3, 4}));
+}
+
+TEST(KxFileSerializer, ReportsAFullDiskWhenDeletedOrClosedAndTransfersNothingAfterwards) {
+    KxOk();
+    Write(*Stream(KxSerializer::CreateFileWriter("/dev/full")), {1});
+    EXPECT_EQ(KxGetError(), KX_ERROR_FILE_CLOSE);
     const Stream full(KxSerializer::CreateFileWriter("/dev/full"));
     Write(*full, {1});
+    KxOk();
     full->Close();
     EXPECT_EQ(KxGetError(), KX_ERROR_FILE_CLOSE);
     EXPECT_TRUE(!full->IsWriting() && !full->IsReading() && full->IsEOS());
@@ -182,6 +208,9 @@ TEST(KxMemSerializer, CopiesItsBytesOutAndSwitchesDirection) {
     KxMemSerializer stream;
     stream.OpenWriter();
     Write(stream, {1, 2, 3});
+    stream.PushStreamPos();
+    Write(stream, {4, 5});
+    stream.PopAndApplyStreamPos();
     stream.PushStreamPos();
     Bytes bytes(3);
     EXPECT_EQ(stream.GetData(bytes.data(), 2), 0u);
