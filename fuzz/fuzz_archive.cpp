@@ -7,6 +7,7 @@
 #include "kalvo/archive/recordtransfer.h"
 #include "kalvo/frame/kxtrace.h"
 #include "kalvo/image/regionrows.h"
+#include "kalvo/streams/archiveheader.h"
 #include "kalvo/streams/streambytes.h"
 #include "fuzz/require.h"
 

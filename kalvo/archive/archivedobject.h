@@ -1,31 +1,22 @@
 #pragma once
 // What all archived objects share: the header before the record, and the way back when a transfer fails.
 
-#include <cstdint>
-
 #include "kalvo/frame/boundary.h"
+#include "kalvo/streams/archiveheader.h"
 #include "kalvo/streams/streambytes.h"
 #include "kalvo/streams/streamposition.h"
 
 namespace Zelkor::Kalvo {
 
-/// Writes the header of an archived object.
-void WriteHeader(KxSerializer& stream, KxSerializer::ObjectType type, unsigned version);
-
-/// Exchanges one byte with the stream.
-std::uint8_t TransferByte(KxSerializer& stream, std::uint8_t value, const char* fieldName);
-
 /// Reads the header of `object` and returns the version of its record. Throws when another object or a later
 /// version stands there.
 template <class Object>
 unsigned ReadHeader(KxSerializer& stream, Object& object) {
-    if (TransferByte(stream, 0, "fileSig") != kArchiveSignature) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-    const std::uint8_t type = TransferByte(stream, 0, "objType");
+    const KxSerializer::ObjectType type = ReadObjectType(stream);
     if (type != object.GetSerializationType()) throw Exception(KX_ERROR_WRONG_OBJECT_TYPE);
-    const std::uint8_t version = TransferByte(stream, 0, "objVersion");
+    const unsigned version = ReadObjectVersion(stream);
     if (version > object.GetCurrentVersion()) throw Exception(KX_ERROR_UNSUPPORTED_FILE_VERSION);
-    if (TransferByte(stream, 0, "checkSum") != (kArchiveSignature ^ type ^ version))
-        throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+    ReadChecksum(stream, type, version);
     return version;
 }
 

@@ -5,29 +5,9 @@
 #include <optional>
 
 #include "kalvo/frame/boundary.h"
-#include "kalvo/streams/streambytes.h"
-#include "kalvo/streams/streamposition.h"
+#include "kalvo/streams/archiveheader.h"
 
 using namespace Zelkor::Kalvo;
-
-namespace {
-
-std::uint8_t ReadByte(KxSerializer& stream, const char* fieldName) {
-    std::uint8_t byte = 0;
-    stream.SerializeBytes(&byte, 1, fieldName);
-    return byte;
-}
-
-KxSerializer::ObjectType ReadHeader(KxSerializer& stream) {
-    if (ReadByte(stream, "fileSig") != kArchiveSignature) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-    const std::uint8_t type = ReadByte(stream, "objType");
-    const std::uint8_t version = ReadByte(stream, "objVersion");
-    const std::uint8_t checksum = ReadByte(stream, "checkSum");
-    if (checksum != (kArchiveSignature ^ type ^ version)) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-    return static_cast<KxSerializer::ObjectType>(type);
-}
-
-}  // namespace
 
 KxSerializer::~KxSerializer() = default;
 
@@ -64,17 +44,7 @@ void KxSerializer::PopAndForgetStreamPos() { m_pImplementation->PopAndForgetStre
 void KxSerializer::PopAndApplyStreamPos() { m_pImplementation->PopAndApplyStreamPos(); }
 
 KxSerializer::ObjectType KxOpaqueSerializer::GetNextObjectType() {
-    const auto peek = [this]() -> std::optional<ObjectType> {
-        StreamRewinder rewinder(*this);
-        if (!IsReading()) throw Exception(KX_ERROR_NOT_OPEN_FOR_READ);
-        if (IsEOS()) {
-            rewinder.Keep();
-            return NoObject;
-        }
-        const ObjectType eType = ReadHeader(*this);
-        rewinder.Rewind();
-        return eType;
-    };
+    const auto peek = [this] { return std::optional(PeekObjectType(*this)); };
     return AtBoundary(nullptr, peek, KX_ERROR_ARCHIVE_ACCESS).value_or(static_cast<ObjectType>(-1));
 }
 

@@ -7,9 +7,6 @@
 
 namespace Zelkor::Kalvo {
 
-/// First byte of every archived object.
-inline constexpr std::uint8_t kArchiveSignature = 0x4B;
-
 /// Bytes that a stream still has to read; 0 when it is not reading, the largest value when it cannot tell: a
 /// pipe, or a stream of another maker.
 std::uint64_t BytesLeft(const KxSerializer& stream);
