@@ -22,12 +22,13 @@ unsigned ReadHeader(KxSerializer& stream, Object& object) {
 
 /// Writes header and record. A failure takes the stream back, and ends in the error slot and a trace.
 template <class Object>
-void SaveObject(KxSerializer* stream, Object& object, const char* traceName) {
+void SaveObject(KxSerializer* pSerializer, Object& object, const char* traceName) {
     const auto save = [&] {
-        StreamRewinder rewinder(*stream);
-        if (!stream->IsWriting()) throw Exception(KX_ERROR_NOT_OPEN_FOR_WRITE);
-        WriteHeader(*stream, object.GetSerializationType(), object.GetCurrentVersion());
-        object.Serialize(stream, object.GetCurrentVersion());
+        KxSerializer& stream = RequireStream(pSerializer);
+        StreamRewinder rewinder(stream);
+        if (!stream.IsWriting()) throw Exception(KX_ERROR_NOT_OPEN_FOR_WRITE);
+        WriteHeader(stream, object.GetSerializationType(), object.GetCurrentVersion());
+        object.Serialize(&stream, object.GetCurrentVersion());
         rewinder.Keep();
     };
     AtBoundary(traceName, save, KX_ERROR_ARCHIVE_ACCESS);
@@ -35,11 +36,12 @@ void SaveObject(KxSerializer* stream, Object& object, const char* traceName) {
 
 /// Reads header and record; the same failures.
 template <class Object>
-void LoadObject(KxSerializer* stream, Object& object, const char* traceName) {
+void LoadObject(KxSerializer* pSerializer, Object& object, const char* traceName) {
     const auto load = [&] {
-        StreamRewinder rewinder(*stream);
-        if (!stream->IsReading()) throw Exception(KX_ERROR_NOT_OPEN_FOR_READ);
-        object.Serialize(stream, ReadHeader(*stream, object));
+        KxSerializer& stream = RequireStream(pSerializer);
+        StreamRewinder rewinder(stream);
+        if (!stream.IsReading()) throw Exception(KX_ERROR_NOT_OPEN_FOR_READ);
+        object.Serialize(&stream, ReadHeader(stream, object));
         rewinder.Keep();
     };
     AtBoundary(traceName, load, KX_ERROR_ARCHIVE_ACCESS);

@@ -1,9 +1,10 @@
 // Archiving images: the pixel block of the full record, and the partial records.
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <limits>
+#include <memory>
+#include <new>
 #include <utility>
 
 #include "kalvo/archive/recordtransfer.h"
@@ -15,45 +16,47 @@ using namespace Zelkor::Kalvo;
 
 namespace {
 
-// Bytes that only fill up rows.
-class Padding {
-public:
-    // Writes zeros, or reads bytes and forgets them.
-    void Transfer(KxSerializer& stream, std::int64_t bytes) {
-        while (bytes > 0) {
-            const auto piece = static_cast<unsigned>(std::min(bytes, std::int64_t{sizeof(m_bytes)}));
-            stream.SerializeBytes(m_bytes.data(), piece, "padding");
-            bytes -= piece;
-        }
-    }
-
-private:
-    std::array<std::uint8_t, 4096> m_bytes = {};
-};
-
 // Bytes of a row that hold pixels.
 template <class Pixel>
 std::int64_t UsefulRowBytes(std::int32_t width) {
     return (std::int64_t{width} * PixelTraits<Pixel>::kBitsPerPixel + 7) / 8;
 }
 
-// Exchanges rows of `storedBytes` each with rows in memory, of which `usefulBytes` hold pixels: none when the
-// image is empty, of which a stream may hold rows all the same.
-void TransferRows(KxSerializer& stream, const RegionRows& rows, std::int64_t storedBytes,
-                  std::int64_t usefulBytes) {
-    if (storedBytes == 0) return;
-    Padding padding;
+void TransferPixelBytes(KxSerializer& stream, std::uint8_t* pixels, std::int64_t bytes) {
+    TransferBlock(stream, pixels, static_cast<std::uint64_t>(bytes), "m_pImagePtr");
+}
+
+// Exchanges rows by way of one row of ours, of which the first `usefulBytes` are those of memory.
+void TransferRowsByCopy(KxSerializer& stream, const RegionRows& rows, std::int64_t storedBytes,
+                        std::int64_t usefulBytes) {
+    const std::unique_ptr<std::uint8_t[]> copy(new (std::nothrow)
+                                                   std::uint8_t[static_cast<std::size_t>(storedBytes)]);
+    if (!copy) throw Exception(KX_ERROR_ALLOCATION);
+    const bool reading = stream.IsReading();
+    if (!reading) std::fill_n(copy.get() + usefulBytes, storedBytes - usefulBytes, std::uint8_t{0});
     for (int y = 0; y < rows.height; ++y) {
-        TransferBlock(stream, rows.Row(y), static_cast<std::uint64_t>(usefulBytes), "m_pImagePtr");
-        padding.Transfer(stream, storedBytes - usefulBytes);
+        if (!reading && usefulBytes > 0) std::copy_n(rows.Row(y), usefulBytes, copy.get());
+        TransferPixelBytes(stream, copy.get(), storedBytes);
+        if (reading && usefulBytes > 0) std::copy_n(copy.get(), usefulBytes, rows.Row(y));
     }
 }
 
-// The same in one transfer, padding included, when the rows lie in memory as in the stream.
+// Exchanges rows of `storedBytes` each, of which `usefulBytes` hold pixels: none when the image is empty, of
+// which a stream may hold rows all the same.
+void TransferRows(KxSerializer& stream, const RegionRows& rows, std::int64_t storedBytes,
+                  std::int64_t usefulBytes) {
+    if (storedBytes == 0 || rows.height == 0) return;
+    if (usefulBytes == 0 || storedBytes > std::abs(rows.pitchBytes))
+        return TransferRowsByCopy(stream, rows, storedBytes, usefulBytes);
+    for (int y = 0; y < rows.height; ++y) TransferPixelBytes(stream, rows.Row(y), storedBytes);
+}
+
+// The same in one transfer when the rows lie in memory as in the stream.
 void TransferPixels(KxSerializer& stream, const RegionRows& rows, std::int64_t storedBytes,
                     std::int64_t usefulBytes) {
-    if (storedBytes != rows.pitchBytes) return TransferRows(stream, rows, storedBytes, usefulBytes);
-    TransferBlock(stream, rows.first, static_cast<std::uint64_t>(storedBytes * rows.height), "m_pImagePtr");
+    if (usefulBytes == 0 || storedBytes != rows.pitchBytes)
+        return TransferRows(stream, rows, storedBytes, usefulBytes);
+    TransferPixelBytes(stream, rows.first, storedBytes * rows.height);
 }
 
 // Bytes that one row of an image takes in a stream; the rows of a wrapped buffer may run upwards. Throws when
@@ -106,7 +109,7 @@ void TransferDimensionalValue(KxSerializer& stream, KxDimensionalValue& value, u
 
 template <class Pixel>
 void KxImage<Pixel>::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
-    RecordTransfer(*pSerializer).Run(*this, RecordTransfer::ClassOf<KxImage>(), un32Version);
+    RecordTransfer(RequireStream(pSerializer)).Run(*this, RecordTransfer::ClassOf<KxImage>(), un32Version);
 }
 
 template <class Pixel>
@@ -151,14 +154,15 @@ void KxImage<Pixel>::ReadPixels(KxSerializer& serializer) {
 
 template <class Pixel>
 void KxImage<Pixel>::PartialSerialize(KxSerializer* pSerializer) {
-    const bool reading = pSerializer->IsReading();
+    KxSerializer& stream = RequireStream(pSerializer);
+    const bool reading = stream.IsReading();
     std::int32_t width = this->m_n32Width, height = this->m_n32Height;
     auto rowBytes = reading ? 0 : static_cast<std::int32_t>(RequireStorableRows(*this));
-    TransferValue(*pSerializer, width, "n32Width");
-    TransferValue(*pSerializer, height, "n32Height");
-    TransferValue(*pSerializer, rowBytes, "numberOfBytesPerRowPadded");
-    if (reading) ResizeTo(*this, width, height, rowBytes, *pSerializer);
-    TransferRows(*pSerializer, RowsOf(*this), rowBytes, UsefulRowBytes<Pixel>(width));
+    TransferValue(stream, width, "n32Width");
+    TransferValue(stream, height, "n32Height");
+    TransferValue(stream, rowBytes, "numberOfBytesPerRowPadded");
+    if (reading) ResizeTo(*this, width, height, rowBytes, stream);
+    TransferRows(stream, RowsOf(*this), rowBytes, UsefulRowBytes<Pixel>(width));
 }
 
 template <class Pixel>
@@ -168,16 +172,17 @@ void KxImage<Pixel>::PartialSerialize(std::FILE* pFile, int bWriting) {
 
 template <class Pixel>
 void KxImage<Pixel>::VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int un32Align) {
+    KxSerializer& stream = RequireStream(pSerializer);
     if (un32Align == 0) throw Exception(KX_ERROR_PARAMETER_2_OUT_OF_RANGE);
-    const bool reading = pSerializer->IsReading();
+    const bool reading = stream.IsReading();
     if (!reading) RequireStorableRows(*this);
     std::int32_t width = this->m_n32Width, height = this->m_n32Height;
-    TransferValue(*pSerializer, width, "n32Width");
-    TransferValue(*pSerializer, height, "n32Height");
+    TransferValue(stream, width, "n32Width");
+    TransferValue(stream, height, "n32Height");
     const std::int64_t usefulBytes = UsefulRowBytes<Pixel>(width);
     const std::int64_t rowBytes = (usefulBytes + un32Align - 1) / un32Align * un32Align;
-    if (reading) ResizeTo(*this, width, height, rowBytes, *pSerializer);
-    TransferRows(*pSerializer, RowsOf(*this), rowBytes, usefulBytes);
+    if (reading) ResizeTo(*this, width, height, rowBytes, stream);
+    TransferRows(stream, RowsOf(*this), rowBytes, usefulBytes);
 }
 
 template <class Pixel>

@@ -82,7 +82,7 @@ void KxGenericROI::Load(std::FILE* pFile) {
 }
 
 void KxGenericROI::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
-    RecordTransfer(*pSerializer).Run(*this, kGenericClass, un32Version);
+    RecordTransfer(RequireStream(pSerializer)).Run(*this, kGenericClass, un32Version);
 }
 
 void KxGenericROI::SerializeTexts(KxSerializer& serializer) {
@@ -116,7 +116,7 @@ void KxGenericROI::SerializePlacement(KxSerializer& serializer) {
 
 template <class Pixel>
 void KxROI<Pixel>::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
-    RecordTransfer(*pSerializer).Run(*this, RecordTransfer::ClassOf<KxROI>(), un32Version);
+    RecordTransfer(RequireStream(pSerializer)).Run(*this, RecordTransfer::ClassOf<KxROI>(), un32Version);
 }
 
 template <class Pixel>
@@ -128,12 +128,13 @@ void KxROI<Pixel>::SerializeFields(KxSerializer& serializer, unsigned) {
 
 template <class Pixel>
 void KxROI<Pixel>::PartialSerialize(KxSerializer* pSerializer) {
+    KxSerializer& stream = RequireStream(pSerializer);
     std::int32_t orgX = GetOrgX(), orgY = GetOrgY(), width = GetWidth(), height = GetHeight();
-    TransferValue(*pSerializer, orgX, "n32OrgX");
-    TransferValue(*pSerializer, orgY, "n32OrgY");
-    TransferValue(*pSerializer, width, "n32Width");
-    TransferValue(*pSerializer, height, "n32Height");
-    if (!pSerializer->IsReading()) return;
+    TransferValue(stream, orgX, "n32OrgX");
+    TransferValue(stream, orgY, "n32OrgY");
+    TransferValue(stream, width, "n32Width");
+    TransferValue(stream, height, "n32Height");
+    if (!stream.IsReading()) return;
     KxOk();
     SetPlacement(orgX, orgY, width, height);
 }

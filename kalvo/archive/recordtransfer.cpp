@@ -3,7 +3,6 @@
 #include "kalvo/archive/recordtransfer.h"
 
 #include <array>
-#include <limits>
 #include <utility>
 
 #include "kalvo/image/regiontree.h"
@@ -11,12 +10,18 @@
 namespace Zelkor::Kalvo {
 namespace {
 
-// The shortest archived object: header, eight empty texts, no children, placement, region fields. A count of
-// children that does not fit the stream costs a comparison, not a loop.
-constexpr std::uint64_t kSmallestObject = 4 + 8 * 4 + 4 + 5 * 4 + 3 * 4;
-
 // How deep the nesting goes is a matter of the whole tree, so no parent goes on after it.
 struct TooManyLevels {};
+
+// What has no header of an object is no child.
+KxSerializer::ObjectType PeekChildType(KxSerializer& stream) {
+    try {
+        return PeekObjectType(stream);
+    } catch (const Exception& exception) {
+        if (exception.GetError() == KX_ERROR_BAD_FILE_FORMAT) return KxSerializer::NoObject;
+        throw;
+    }
+}
 
 template <std::size_t... index>
 constexpr auto MakeClassTable(std::index_sequence<index...>) {
@@ -88,11 +93,8 @@ void RecordTransfer::BeginRecord(Level& level) {
         level.child = object.m_pFirstSubROI;
         for (const KxGenericROI* child = level.child; child; child = child->m_pSibling) ++level.childrenLeft;
     }
+    // A forged count costs nothing: the first child that is not there ends the list.
     TransferValue(m_stream, level.childrenLeft, "numChildren");
-    if (!m_reading) return;
-    if (level.childrenLeft > std::uint32_t{std::numeric_limits<std::int32_t>::max()})
-        throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-    RequireBytes(m_stream, level.childrenLeft * kSmallestObject);
 }
 
 void RecordTransfer::BeginNextChild() {
@@ -100,7 +102,7 @@ void RecordTransfer::BeginNextChild() {
     if (m_levels.size() > kMaxLevels) throw TooManyLevels();
     Level& parent = m_levels.back();
     --parent.childrenLeft;
-    const auto type = m_reading ? m_stream.GetNextObjectType() : parent.child->GetSerializationType();
+    const auto type = m_reading ? PeekChildType(m_stream) : parent.child->GetSerializationType();
     const ArchivedClass* childClass = FindArchivedClass(type);
     if (!childClass) throw Exception(KX_ERROR_WRONG_OBJECT_TYPE);
 

@@ -80,7 +80,8 @@ public:
     /// Row pitch times height.
     virtual int GetImgPitch() const = 0;
     /// Exchanges size and pixels without header and pitch, rows padded to `un32Align` bytes (1 or more).
-    /// Exceptions of the stream pass through; the FILE form ends in the error slot. The same holds below.
+    /// Exceptions pass through: those of the stream, and `KX_ERROR_SERIALIZER_NOT_OPEN` without one. The FILE
+    /// form ends in the error slot. The same holds below.
     virtual void VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int un32Align) = 0;
     virtual void VersionLessPartialSerialize(std::FILE* pFile, int bWriting, unsigned int un32Align) = 0;
     /// Exchanges the placement of a region, or size, pitch and pixels of an image, without header.
@@ -189,16 +190,17 @@ public:
     void SetAllocated() { m_bAllocated = 1; }
 
     /// Writes header and record to an archive. Failures end in the error slot, and the stream returns to
-    /// where it was: `KX_ERROR_NOT_OPEN_FOR_WRITE`, `KX_ERROR_FILE_WRITE` (also for more than 1000 levels of
-    /// children), `KX_ERROR_NEEDS_SPECIALIZATION` (float pixels), `KX_ERROR_IMAGE_MEMORY_ACCESS` (an image
-    /// without pixels, or with rows that overlap).
+    /// where it was: `KX_ERROR_SERIALIZER_NOT_OPEN` (null), `KX_ERROR_NOT_OPEN_FOR_WRITE`,
+    /// `KX_ERROR_FILE_WRITE` (also for more than 1000 levels of children), `KX_ERROR_NEEDS_SPECIALIZATION`
+    /// (float pixels), `KX_ERROR_IMAGE_MEMORY_ACCESS` (an image without pixels, or with rows that overlap).
     void Save(KxSerializer* pSerializer) const;
     /// The same to an open file, which stays open after the object.
     void Save(std::FILE* pFile) const;
     /// Replaces the object by the next one of an archive, children included; a region leaves its parent.
     /// Failures end in the error slot, the stream returns to the header, and the object is left as it was
-    /// (no header of this type there) or empty: `KX_ERROR_NOT_OPEN_FOR_READ`, `KX_ERROR_BAD_FILE_FORMAT`,
-    /// `KX_ERROR_WRONG_OBJECT_TYPE`, `KX_ERROR_UNSUPPORTED_FILE_VERSION`, `KX_ERROR_FILE_READ`,
+    /// (no header of this type there) or empty: `KX_ERROR_SERIALIZER_NOT_OPEN` (null),
+    /// `KX_ERROR_NOT_OPEN_FOR_READ`, `KX_ERROR_BAD_FILE_FORMAT`, `KX_ERROR_WRONG_OBJECT_TYPE` (also when
+    /// fewer children follow than declared), `KX_ERROR_UNSUPPORTED_FILE_VERSION`, `KX_ERROR_FILE_READ`,
     /// `KX_ERROR_ALLOCATION`. A child that cannot be read ends the list of children of a region, which then
     /// reads its own fields from wrong bytes, and fails an image; either way its code is left. A region
     /// placed beyond its parent covers it instead and leaves `KX_ERROR_ROI_OUT_OF_PARENT`.

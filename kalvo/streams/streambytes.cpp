@@ -32,6 +32,11 @@ void TransferInteger(KxSerializer& stream, Value& value, const char* fieldName) 
 
 }  // namespace
 
+KxSerializer& RequireStream(KxSerializer* stream) {
+    if (!stream) throw Exception(KX_ERROR_SERIALIZER_NOT_OPEN);
+    return *stream;
+}
+
 // Knows the streams from inside.
 struct StreamContents {
     static std::uint64_t BytesLeft(const KxSerializer& stream);

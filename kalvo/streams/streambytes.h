@@ -7,6 +7,9 @@
 
 namespace Zelkor::Kalvo {
 
+/// The stream that a caller handed over. Throws KX_ERROR_SERIALIZER_NOT_OPEN when there is none.
+KxSerializer& RequireStream(KxSerializer* stream);
+
 /// Bytes that a stream still has to read; 0 when it is not reading, the largest value when it cannot tell: a
 /// pipe, or a stream of another maker.
 std::uint64_t BytesLeft(const KxSerializer& stream);

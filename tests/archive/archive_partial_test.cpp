@@ -23,12 +23,12 @@ protected:
 };
 
 TEST_F(PartialRecord, OfAnImageHoldsSizePitchAndRows) {
-    Bytes pixels(48 * 2, 0xEE);
+    Bytes pixels(48 * 2, 0xEE), gap(45, 0xEE);
     Image wide, narrow;
     wide.SetImagePtr(3, 2, pixels.data(), 48 * 8);
     SetPixelBytes(wide, {1, 2, 3, 4, 5, 6});
     const Bytes record = Written([&](KxSerializer& writer) { wide.PartialSerialize(&writer); });
-    EXPECT_EQ(record, Join({Numbers({3, 2, 48}), {1, 2, 3}, Bytes(45), {4, 5, 6}, Bytes(45)}));
+    EXPECT_EQ(record, Join({Numbers({3, 2, 48}), {1, 2, 3}, gap, {4, 5, 6}, gap}));
 
     const Bytes dense = Join({Numbers({3, 2, 3}), {1, 2, 3, 4, 5, 6}});
     for (const Bytes& bytes : {record, dense}) {
@@ -39,13 +39,18 @@ TEST_F(PartialRecord, OfAnImageHoldsSizePitchAndRows) {
             EXPECT_EQ(reader->IsEOS(), 1);
             EXPECT_EQ(PixelBytes(*image), (Bytes{1, 2, 3, 4, 5, 6}));
         }
+        CountingStream counted(false, bytes);
+        wide.PartialSerialize(&counted);
+        EXPECT_EQ(counted.transfers.size(), 3u + 2) << "one transfer a row";
     }
     EXPECT_EQ(narrow.GetRowPitch(), 24);
     EXPECT_EQ(wide.GetRowPitch(), 48) << "an image that has the size keeps its buffer";
 }
 
 TEST_F(PartialRecord, OfNoVersionPadsItsRowsAsAsked) {
-    Image gray(5, 2);
+    Bytes buffer(16, 0xEE);
+    Image gray;
+    gray.SetImagePtr(5, 2, buffer.data());
     KxImage<KxBW1> bits(11, 1);
     SetPixelBytes(gray, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
     SetPixelBytes(bits, {0xA5, 0xC0});
@@ -54,8 +59,9 @@ TEST_F(PartialRecord, OfNoVersionPadsItsRowsAsAsked) {
         unsigned align;
         Bytes expected;
     } cases[] = {
+        {gray, 4, Join({Numbers({5, 2}), buffer})},
         {gray, 1, Join({Numbers({5, 2}), {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}})},
-        {gray, 4, Join({Numbers({5, 2}), {1, 2, 3, 4, 5, 0, 0, 0, 6, 7, 8, 9, 10, 0, 0, 0}})},
+        {gray, 32, Join({Numbers({5, 2}), {1, 2, 3, 4, 5}, Bytes(27), {6, 7, 8, 9, 10}, Bytes(27)})},
         {bits, 1, Join({Numbers({11, 1}), {0xA5, 0xC0}})},
         {bits, 5000, Join({Numbers({11, 1}), {0xA5, 0xC0}, Bytes(4998)})},
     };

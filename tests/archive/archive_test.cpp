@@ -314,6 +314,9 @@ TEST_F(Archive, KeepsThePitchOfWrappedBuffers) {
         EXPECT_EQ(loaded.GetRowPitch(), 24);
         EXPECT_EQ(PixelBytes(loaded), expected);
     }
+    image.SetImagePtr(0, 3, nullptr, 24 * 8);
+    LoadFrom(Saved(image), loaded);
+    EXPECT_EQ(loaded.GetExtent(), GenericRoiExtent(0, 0, 0, 3));
     // Without pixels, or with one row over the next, there is nothing to save.
     image.SetImagePtr(5, 3, nullptr, 40);
     Saved(image, KX_ERROR_IMAGE_MEMORY_ACCESS);
@@ -348,8 +351,46 @@ TEST_F(Archive, LeavesAnOpenFileBehindTheObject) {
     EXPECT_EQ(Platform::Position(file.Get()), end);
     EXPECT_EQ(Saved(imageBack), Saved(image));
     EXPECT_EQ(regionBack.GetExtent(), child.GetExtent());
-    imageBack.Load(static_cast<std::FILE*>(nullptr));
-    EXPECT_EQ(KxGetError(), KX_ERROR_SERIALIZER_NOT_OPEN);
+}
+
+TEST_F(Archive, ThatCannotBeSavedLeavesNothingInMemory) {
+    Image broken;
+    broken.SetImagePtr(3, 3, nullptr);
+    Region good(&broken, 1, 1, 1, 1);
+    EXPECT_EQ(Written([&](KxSerializer& writer) {
+                  good.Save(&writer);
+                  broken.Save(&writer);
+                  EXPECT_EQ(KxGetError(), KX_ERROR_IMAGE_MEMORY_ACCESS);
+                  good.Save(&writer);
+              }),
+              Join({Saved(good), Saved(good)}));
+}
+
+TEST_F(Archive, NeedsAStream) {
+    Image image(2, 2);
+    Region region(&image, 0, 0, 1, 1);
+    std::FILE* const noFile = nullptr;
+    KxSerializer* const noStream = nullptr;
+    const std::function<void(KxGenericROI&)> operations[] = {
+        [&](KxGenericROI& object) { object.Load(noFile); },
+        [&](KxGenericROI& object) { object.Save(noFile); },
+        [&](KxGenericROI& object) { object.Load(noStream); },
+        [&](KxGenericROI& object) { object.Save(noStream); },
+        [&](KxGenericROI& object) { object.PartialSerialize(noFile, 0); },
+        [&](KxGenericROI& object) { object.VersionLessPartialSerialize(noFile, 1, 1); },
+        [&](KxGenericROI& object) { KxSetError(CodeThrownBy([&] { object.PartialSerialize(noStream); })); },
+        [&](KxGenericROI& object) { KxSetError(CodeThrownBy([&] { object.Serialize(noStream, 4); })); },
+    };
+    for (const auto& operation : operations) {
+        for (KxGenericROI* object :
+             {static_cast<KxGenericROI*>(&image), static_cast<KxGenericROI*>(&region)}) {
+            KxOk();
+            operation(*object);
+            EXPECT_EQ(KxGetError(), KX_ERROR_SERIALIZER_NOT_OPEN) << &operation - operations;
+        }
+    }
+    EXPECT_EQ(image.GetWidth(), 2);
+    EXPECT_EQ(region.GetParent(), &image);
 }
 
 TEST_F(Archive, GoesThroughStreamsOfOtherMakers) {

@@ -221,6 +221,8 @@ TEST_F(JpegHandler, RefusesBadArchivesAndTakesTheStreamBack) {
     handler.Save(ReaderOf(whole).get());
     EXPECT_EQ(std::pair(KxGetError(), traces.Functions().back()),
               std::pair(KX_ERROR_NOT_OPEN_FOR_WRITE, std::string("KxJpegHandler::Save")));
+    handler.Save(static_cast<KxSerializer*>(nullptr));
+    EXPECT_EQ(KxGetError(), KX_ERROR_SERIALIZER_NOT_OPEN);
     // A stream that cannot tell its length is asked for a little at a time.
     CountingStream unknown(false, forged);
     handler.Load(&unknown);
