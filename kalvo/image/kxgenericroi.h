@@ -210,7 +210,7 @@ public:
 
     /// Loads an image file into the first of `KxBW1`, `KxBW8`, `KxBW16`, `KxBW32`, `KxC24`, `KxC15`, `KxC16`
     /// that takes it. The image belongs to the caller; null when no type takes the file, with the code of the
-    /// last attempt in the slot. Nothing is traced.
+    /// last attempt in the slot, or when memory runs out (`KX_ERROR_ALLOCATION`). Nothing is traced.
     static KxGenericROI* CreateImageFromFile(const char* pszPath);
 
     /// 1 when `pChild` is in the child list of `pParent`, else 0. A list with a wrong parent link or a child

@@ -71,12 +71,11 @@ const Layout* UncompressedLayout(int bitCount) {
     }
 }
 
+// Green alone tells 5, 5, 5 bits from 5, 6, 5: other masks than those two are not distinguished.
 const Layout* MaskedLayout(const ImageFileReader& file, std::uint64_t masksOffset) {
-    BmpMasks masks;
-    for (std::size_t i = 0; i < masks.size(); ++i) masks[i] = file.Field<std::uint32_t>(masksOffset + 4 * i);
-    if (masks == kBmpMasks555) return &kWords555;
-    if (masks == kBmpMasks565) return &kWords565;
-    throw Exception(KX_ERROR_UNSUPPORTED_BMP);
+    constexpr std::size_t kGreen = 1;
+    const auto green = file.Field<std::uint32_t>(masksOffset + kGreen * sizeof(BmpMasks::value_type));
+    return green == kBmpMasks555[kGreen] ? &kWords555 : &kWords565;
 }
 
 // The fields of both headers stand at fixed offsets from the start of the file.
@@ -107,14 +106,14 @@ Picture ReadInfoHeader(const ImageFileReader& file) {
                     .height = static_cast<std::uint32_t>(std::abs(height)),
                     .isTopDown = height < 0,
                     .headerEnd = kBmpFileHeaderBytes + kBmpInfoHeaderBytes};
-    // Masks of 32-bit pixels are not looked at: the words load as they are.
-    if (compression == kBmpBitFields && (bitCount == 15 || bitCount == 16)) {
+    const bool hasMasks = compression == kBmpBitFields;
+    if (!hasMasks && compression != kBmpUncompressed) throw Exception(KX_ERROR_UNSUPPORTED_BMP);
+    if (hasMasks && bitCount == 16) {
         picture.layout = MaskedLayout(file, picture.headerEnd);
         picture.headerEnd += sizeof(BmpMasks);
-    } else if (compression == kBmpUncompressed || (compression == kBmpBitFields && bitCount == 32)) {
-        picture.layout = UncompressedLayout(bitCount);
     } else {
-        throw Exception(KX_ERROR_UNSUPPORTED_BMP);
+        // 15 bits need masks to be known, but say all without them.
+        picture.layout = hasMasks && bitCount == 15 ? &kWords555 : UncompressedLayout(bitCount);
     }
     // Numbers below 0 mean nothing here.
     picture.resolution.x = static_cast<float>(std::max(0, file.Field<std::int32_t>(38)));
@@ -155,6 +154,7 @@ IMAGE_FILE_TYPES ReadBmp(const ImageFileReader& file, const LoadTarget& target) 
     const auto pixelOffset = file.Field<std::uint32_t>(10);
     if (picture.width == 0 || picture.height == 0 || pixelOffset < picture.headerEnd)
         throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+    target.RequireSize(picture.width, picture.height);
 
     // The padding of the row at the end of the file may be missing.
     const std::uint64_t bitsPerRow = std::uint64_t{picture.width} * layout.bits;

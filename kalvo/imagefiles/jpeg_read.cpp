@@ -7,8 +7,6 @@
 namespace Zelkor::Kalvo {
 namespace {
 
-using Platform::JpegFault;
-
 struct FileDecoder : Platform::JpegDecoder {
     explicit FileDecoder(std::FILE* source) : stream(source) {}
     std::FILE* stream;
@@ -48,11 +46,6 @@ void RequireFit(const jpeg_decompress_struct& info, const SampleFormat& format) 
     if (format.bits == 32) throw Exception(KX_ERROR_BW32_EXPECTED);
 }
 
-void RequireNoFault(JpegFault fault) {
-    if (fault == JpegFault::Cut) throw Exception(KX_ERROR_FILE_READ);
-    if (fault != JpegFault::None) throw Exception(KX_ERROR_JPEG_READ);
-}
-
 FileResolution ResolutionOf(const jpeg_decompress_struct& info) {
     FileResolution resolution{static_cast<float>(info.X_density), static_cast<float>(info.Y_density)};
     if (info.density_unit == 1) resolution.unit = &KxUnit_inch;
@@ -66,12 +59,13 @@ IMAGE_FILE_TYPES ReadJpeg(const ImageFileReader& file, const LoadTarget& target)
     RequirePossibleTarget(target.Format());
     if (!Platform::Seek(file.Stream(), 0)) throw Exception(KX_ERROR_FILE_READ);
     FileDecoder decoder(file.Stream());
-    RequireNoFault(decoder.errors.Run<ReadHeader>(decoder));
+    RequireNoFault(decoder.errors.Run<ReadHeader>(decoder), KX_ERROR_JPEG_READ);
     const jpeg_decompress_struct& info = decoder.info;
     RequireFit(info, target.Format());
+    target.RequireSize(info.image_width, info.image_height);
     if (!decoder.CanStandIn(file.Size())) throw Exception(KX_ERROR_FILE_READ);
     decoder.rows = target.Prepare(info.image_width, info.image_height, ResolutionOf(info));
-    RequireNoFault(decoder.errors.Run<ReadRows>(decoder));
+    RequireNoFault(decoder.errors.Run<ReadRows>(decoder), KX_ERROR_JPEG_READ);
     return info.num_components == 1 ? IMAGE_FILE_JPEG_GRAY : IMAGE_FILE_JPEG_COLOR;
 }
 

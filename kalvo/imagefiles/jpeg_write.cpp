@@ -56,8 +56,7 @@ void WriteJpeg(std::FILE* stream, const SaveSource& source) {
     const OzzoTLSStruct* record = KxGetTLSPtr();
     if (!record) throw Exception(KX_ERROR_CANNOT_TRACE);
     FileEncoder encoder(stream, source, static_cast<int>(std::min(record->m_un32JpegQuality, kBest)));
-    if (encoder.errors.Run<WriteAll>(encoder) != Platform::JpegFault::None)
-        throw Exception(KX_ERROR_JPEG_WRITE);
+    RequireNoFault(encoder.errors.Run<WriteAll>(encoder), KX_ERROR_JPEG_WRITE);
 }
 
 }  // namespace Zelkor::Kalvo

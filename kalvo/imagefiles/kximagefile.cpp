@@ -102,12 +102,6 @@ void SaveFile(SampleFormat format, const KxGenericROI* pRegion, const Character*
     });
 }
 
-template <class Pixel>
-void Refuse(const KxROI<Pixel>& region, const char* imageTraceName, const char* regionTraceName) {
-    const bool isImage = dynamic_cast<const KxImage<Pixel>*>(&region) != nullptr;
-    Report(KX_ERROR_UNSUPPORTED_IMAGE_TYPE, isImage ? imageTraceName : regionTraceName);
-}
-
 template <class Pixel, class Character>
 IMAGE_FILE_TYPES LoadMember(KxROI<Pixel>& region, const Character* path) {
     if constexpr (kInFiles<Pixel>) {
@@ -117,7 +111,7 @@ IMAGE_FILE_TYPES LoadMember(KxROI<Pixel>& region, const Character* path) {
             return static_cast<IMAGE_FILE_TYPES>(fileType);
         }
     }
-    Refuse(region, "KxImage::Load", "KxROI::Load");
+    Report(KX_ERROR_UNSUPPORTED_IMAGE_TYPE, kInFiles<Pixel> ? "KxROI::Load" : "KxImage::Load");
     return IMAGE_FILE_RESERVED;
 }
 
@@ -126,7 +120,7 @@ void SaveMember(const KxROI<Pixel>& region, const Character* path, IMAGE_FILE_TY
     if constexpr (kInFiles<Pixel>)
         SaveFile(FormatOf<Pixel>(), &region, path, fileType);
     else
-        Refuse(region, "KxImage::Save", "KxROI::Save");
+        Report(KX_ERROR_UNSUPPORTED_IMAGE_TYPE, "KxImage::Save");
 }
 
 template <class Pixel>
@@ -136,10 +130,12 @@ KxGenericROI* LoadNewImage(const char* path) {
     return KxFailure() ? nullptr : image.release();
 }
 
+// Without memory we do not know whether the type takes the file, so no further one is tried.
 template <class... Pixels>
 KxGenericROI* LoadFirstOf(const char* path) {
     KxGenericROI* pImage = nullptr;
-    ((pImage = LoadNewImage<Pixels>(path)) || ...);
+    const auto isDone = [&] { return pImage || KxGetError() == KX_ERROR_ALLOCATION; };
+    ((pImage = LoadNewImage<Pixels>(path), isDone()) || ...);
     return pImage;
 }
 

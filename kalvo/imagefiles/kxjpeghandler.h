@@ -25,7 +25,7 @@ public:
     /// By what `DecompressToImage` divides width and height, rounding up: 1, 2, 4 or 8.
     enum ScalingMode : std::int32_t { FullSize = 0, HalfSize = 1, QuarterSize = 2, EighthSize = 3 };
 
-    /// An empty handler.
+    /// An empty handler. Throws `std::bad_alloc`.
     KxJpegHandler();
     KxJpegHandler(const KxJpegHandler&) = delete;
     KxJpegHandler& operator=(const KxJpegHandler&) = delete;

@@ -87,3 +87,20 @@ bool JpegDecoder::CanStandIn(std::uint64_t bytes) const {
 }
 
 }  // namespace Zelkor::Platform
+
+namespace Zelkor::Kalvo {
+
+void RequireNoFault(Platform::JpegFault fault, KX_ERRORS otherwise) {
+    switch (fault) {
+    case Platform::JpegFault::None:
+        return;
+    case Platform::JpegFault::OutOfMemory:
+        throw Exception(KX_ERROR_ALLOCATION);
+    case Platform::JpegFault::Cut:
+        throw Exception(KX_ERROR_FILE_READ);
+    default:
+        throw Exception(otherwise);
+    }
+}
+
+}  // namespace Zelkor::Kalvo

@@ -9,6 +9,8 @@
 // libjpeg's header needs <cstdio> before it.
 #include <jpeglib.h>
 
+#include "kalvo/frame/kxexception.h"
+
 namespace Zelkor::Platform {
 
 /// Why a step of work with libjpeg ended.
@@ -86,3 +88,11 @@ struct JpegEncoder {
 };
 
 }  // namespace Zelkor::Platform
+
+namespace Zelkor::Kalvo {
+
+/// Throws the code of a fault in a file: KX_ERROR_ALLOCATION, KX_ERROR_FILE_READ when the stream ends too
+/// early, `otherwise` for all others.
+void RequireNoFault(Platform::JpegFault fault, KX_ERRORS otherwise);
+
+}  // namespace Zelkor::Kalvo

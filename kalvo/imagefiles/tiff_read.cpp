@@ -100,6 +100,13 @@ FileResolution ResolutionIn(const TiffDirectory& directory) {
     return resolution;
 }
 
+// The setters tell only the error slot that they found no memory.
+void SetText(KxGenericROI& region, const TiffText& text, const std::string& value) {
+    KxOk();
+    (region.*text.set)(value.c_str());
+    if (KxFailure()) throw Exception(KxGetError());
+}
+
 }  // namespace
 
 IMAGE_FILE_TYPES ReadTiff(const ImageFileReader& file, const LoadTarget& target) {
@@ -117,7 +124,7 @@ IMAGE_FILE_TYPES ReadTiff(const ImageFileReader& file, const LoadTarget& target)
 
     const RegionRows rows = target.Prepare(picture.width, picture.height, resolution);
     ReadStrips(file, directory, picture, rows, target.Format().bits);
-    for (const auto& [text, value] : texts) (target.Region().*text->set)(value.c_str());
+    for (const auto& [text, value] : texts) SetText(target.Region(), *text, value);
     return TypeOf(picture);
 }
 

@@ -89,7 +89,7 @@ public:
     void Run(const TiffDirectory& directory);
 
 private:
-    void Copy(std::uint64_t offset, std::uint64_t bytes, std::uint64_t limit);
+    void Copy(std::uint64_t offset, std::uint64_t bytes);
     void Unpack(std::uint64_t offset, std::uint64_t bytes, std::uint64_t limit);
     void Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
     void Advance(std::uint64_t bytes);
@@ -114,23 +114,25 @@ void StripWalk::Run(const TiffDirectory& directory) {
     std::uint64_t bytesRead = 0;
     for (std::uint32_t strip = 0; strip < m_picture.strips && m_position < m_picture.bytes; ++strip) {
         const std::uint64_t offset = offsets.Next();
-        const std::uint64_t bytes = byteCounts.Count() != 0 ? byteCounts.Next() : m_picture.bytes;
+        const std::uint64_t declared = byteCounts.Count() != 0 ? byteCounts.Next() : m_picture.bytes;
+        const std::uint64_t limit = std::min(stripBytes, m_picture.bytes - m_position);
+        // The last strip may be shorter than others and declare as much, so plain rows are counted.
+        const std::uint64_t bytes =
+            m_picture.isPacked ? declared : std::min(declared - declared % m_picture.rowBytes, limit);
         m_file.Require(offset, bytes);
         // Strips that all lie on the same bytes could make a small file take ages, and any amount of memory.
         bytesRead += bytes;
         if (bytesRead > m_file.Size()) throw Exception(KX_ERROR_FILE_READ);
 
-        const std::uint64_t limit = std::min(stripBytes, m_picture.bytes - m_position);
         if (m_picture.isPacked)
             Unpack(offset, bytes, limit);
         else
-            Copy(offset, bytes - bytes % m_picture.rowBytes, limit);
+            Copy(offset, bytes);
     }
     if (m_position < m_picture.bytes) throw Exception(KX_ERROR_FILE_READ);
 }
 
-void StripWalk::Copy(std::uint64_t offset, std::uint64_t bytes, std::uint64_t limit) {
-    bytes = std::min(bytes, limit);
+void StripWalk::Copy(std::uint64_t offset, std::uint64_t bytes) {
     if (!m_filler) return Advance(bytes);
     while (bytes != 0) {
         std::span<std::uint8_t> room = m_filler->Room(m_position);

@@ -1,8 +1,10 @@
 // Choosing and detecting formats, and what the entry points of image files have in common.
 #include "kalvo/imagefiles/kximagefile.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +16,25 @@
 #include "tests/support/pixel_types.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/trace_recorder.h"
+
+namespace {
+
+// While it lives, pixels and texts of so many bytes or more find no memory.
+class ShortMemory {
+public:
+    explicit ShortMemory(std::size_t bytes) { refusedBytes = bytes; }
+    ~ShortMemory() { refusedBytes = SIZE_MAX; }
+    static bool Refuses(std::size_t bytes) { return bytes >= refusedBytes; }
+
+private:
+    inline static std::size_t refusedBytes = SIZE_MAX;
+};
+
+}  // namespace
+
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+    return ShortMemory::Refuses(bytes) ? nullptr : ::operator new[](bytes);
+}
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -135,10 +156,15 @@ TEST_F(ImageFile, LoadsIntoARegionOfTheSameSizeOnly) {
     FillPattern(image, 2);
     KxImage<KxC24> expected(frame);
     KxROI<KxC24> region(&frame, 3, 2, 4, 3), wider(&frame, 3, 2, 5, 3), lower(&frame, 3, 2, 4, 4);
-    image.Save(bmp.c_str());
-    EXPECT_EQ(KxLoadImage(&wider, bmp.c_str(), type), KX_ERROR_SIZE_MISMATCH);
-    EXPECT_EQ(KxLoadImage(&lower, bmp.c_str(), type), KX_ERROR_SIZE_MISMATCH);
+    for (const char* name : {"a.tif", "a.jpg", "a.bmp"}) {
+        const std::string path = folder.File(name);
+        image.Save(path.c_str());
+        EXPECT_EQ(KxLoadImage(&wider, path.c_str(), type), KX_ERROR_SIZE_MISMATCH);
+        std::filesystem::resize_file(path, std::filesystem::file_size(path) - 8);
+        EXPECT_EQ(KxLoadImage(&lower, path.c_str(), type), KX_ERROR_SIZE_MISMATCH) << "though it is cut";
+    }
     EXPECT_TRUE(SamePixels(frame, expected));
+    image.Save(bmp.c_str());
     EXPECT_EQ(region.Load(bmp.c_str()), IMAGE_FILE_BMP_COLOR);
     EXPECT_EQ(KxGetError(), KX_OK);
     KxROI<KxC24> inside(&expected, 3, 2, 4, 3);
@@ -181,8 +207,8 @@ TEST_F(ImageFile, RefusesBilevelRegionsAndPixelsWithoutFiles) {
     EXPECT_FALSE(std::filesystem::exists(folder.File("b.bmp")));
     KxImage<KxBW16>().Load(Wide(folder.File("none")).c_str());
     EXPECT_EQ(traces.Functions(),
-              (std::vector<std::string>{"KxROI::Load", "KxImage::Load", "KxROI::Load", "KxImage::Save",
-                                        "KxROI::Save", "KxImageBW16::Load ( Unicode)"}));
+              (std::vector<std::string>{"KxROI::Load", "KxImage::Load", "KxImage::Load", "KxImage::Save",
+                                        "KxImage::Save", "KxImageBW16::Load ( Unicode)"}));
 }
 
 TEST_F(ImageFile, CreatesTheFirstImageThatTakesTheFile) {
@@ -205,6 +231,20 @@ TEST_F(ImageFile, CreatesTheFirstImageThatTakesTheFile) {
     EXPECT_EQ(KxGetError(), KX_ERROR_FILE_OPEN);
     EXPECT_EQ(KxGetTraceMode(), KX_TRACE_MODE_FULL_MESSAGE);
     EXPECT_TRUE(traces.Boxes().empty());
+}
+
+TEST_F(ImageFile, EndsWithoutMemoryForTextsOrPixels) {
+    KxImage<KxBW8> image(1, 1), loaded, large(100, 100);
+    image.SetTitle(std::string(5000, 'x').c_str());
+    image.Save(folder.File("a.tif").c_str());
+    large.Save(bmp.c_str());
+    const ShortMemory shortage(4000);
+    EXPECT_EQ(KxLoadImage(&loaded, folder.File("a.tif").c_str(), type), KX_ERROR_ALLOCATION);
+    EXPECT_TRUE(SamePixels(loaded, image));
+    EXPECT_EQ(loaded.GetTitle(), nullptr);
+    KxOk();
+    EXPECT_EQ(KxGenericROI::CreateImageFromFile(bmp.c_str()), nullptr);
+    EXPECT_EQ(KxGetError(), KX_ERROR_ALLOCATION);
 }
 
 }  // namespace

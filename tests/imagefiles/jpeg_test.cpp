@@ -1,5 +1,11 @@
 // JPEG files: what is written, what loads, and files that must be refused.
+#include <malloc.h>
+#include <sys/resource.h>
+
+#include <cstdlib>
+#include <functional>
 #include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -133,6 +139,40 @@ TEST_F(Jpeg, NeverTakesACutFileForAWholeOne) {
         EXPECT_EQ(Load(image, whole), KX_OK);
     }
 }
+
+#ifndef __SANITIZE_ADDRESS__  // it takes memory of its own
+// Lets the heap keep what it has, a little of it free, and grow no further.
+void EndGrowthOfHeap() {
+    mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+    std::free(std::malloc(300000));
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_AS, &none);
+}
+
+TEST_F(Jpeg, NeedsMemory) {
+    // Libjpeg keeps all coefficients of a progressive file, and eight rows of a file that is written.
+    const Bytes progressive = MakeJpeg(1, [](j_compress_ptr info) {
+        info->image_width = info->image_height = 2000;
+        jpeg_simple_progression(info);
+    });
+    folder.Write("a.jpg", progressive);
+    KxImage<KxBW8> image(2000, 2000);
+    KxROI<KxBW8> region(&image, 0, 0, 2000, 2000);
+    const KxImage<KxC24> wide(60000, 16);
+    const std::pair<const char*, std::function<int()>> operations[] = {
+        {"load", [&] { return KxLoadImage(&region, folder.File("a.jpg").c_str(), type); }},
+        {"save", [&] { return KxSaveImage(&wide, folder.File("b.jpg").c_str()); }},
+    };
+    for (const auto& [name, operation] : operations) {
+        const auto run = [&] {
+            EndGrowthOfHeap();
+            std::_Exit(operation() == KX_ERROR_ALLOCATION ? 0 : 1);
+        };
+        EXPECT_EXIT(run(), testing::ExitedWithCode(0), "") << name;
+    }
+}
+#endif
 
 template <class Pixel>
 class JpegInto : public Jpeg {};

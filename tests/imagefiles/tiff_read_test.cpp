@@ -111,6 +111,10 @@ TEST_F(TiffRead, AcceptsWhatWritersDoDifferently) {
         {"rows per strip without limit", Good().Long(RowsPerStrip, {0xFFFFFFFF})},
         {"rows per strip against the number of strips", Good().Short(RowsPerStrip, {2})},
         {"padded strip", TiffBuilder(twoStrips).Short(RowsPerStrip, {2}).Short(StripByteCounts, {12, 8})},
+        {"last strip as long as the others", TiffBuilder(twoStrips)
+                                                 .Long(StripOffsets, {8, 20})
+                                                 .Short(RowsPerStrip, {3})
+                                                 .Long(StripByteCounts, {12, 1000})},
         {"unknown tags", Good().Long(TiffTag{65000}, {1, 2}).Entry(TiffTag{65001}, TiffType{99}, 9, 9)},
         {"the last of two tags, in any order", unsorted},
     };
