@@ -1,0 +1,65 @@
+#!/usr/bin/env python3
+"""Checks that the library exports what its installed headers declare, and nothing else: check_exports.py PREFIX"""
+import re
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+STRUCTORS = ("Constructor", "Destructor")
+NAMED = ("Function", "Method", "OperatorFunction", "OperatorMethod", "Converter", "Variable")
+PREFIXES = {"Destructor": "~", "OperatorFunction": "operator", "OperatorMethod": "operator"}
+COMPILER_MADE = ("vtable for ", "typeinfo for ", "typeinfo name for ", "VTT for ", "non-virtual thunk to ",
+                 "virtual thunk to ", "guard variable for ")
+
+
+def symbol_of(element):
+    return (element.get("mangled") or element.get("name")).split()[0]
+
+
+def name_in(readable):
+    return re.sub(r"(operator\(\))?\(.*", r"\1", readable, count=1)
+
+
+def output_of(*command, **more):
+    return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True, **more).stdout
+
+
+def declarations_of(include_folder):
+    """All that the headers declare, members of class templates as they are instantiated there."""
+    with tempfile.NamedTemporaryFile(suffix=".xml") as xml:
+        subprocess.run(["castxml", "--castxml-output=1", "--castxml-cc-gnu", "(", "g++", "-std=c++17", ")", "-std=c++17",
+                        "-fsized-deallocation", "-include", include_folder / "kalvo/kalvo.h", f"-I{include_folder}",
+                        "-o", xml.name, "-x", "c++", "/dev/null"], check=True)
+        return {element.get("id"): element for element in ElementTree.parse(xml.name).getroot()}
+
+
+def main(prefix):
+    library = next(prefix.glob("lib*/**/libkalvo.so"))
+    exported = {line.split()[-1] for line in output_of("nm", "-D", "--defined-only", library).splitlines()}
+    readable = output_of("c++filt", input="\n".join(exported)).splitlines()
+    exported_names = {name_in(text) for text in readable}
+    elements = declarations_of(prefix / "include")
+    files = {key for key, element in elements.items()
+             if element.tag == "File" and element.get("name").startswith(str(prefix))}
+
+    def qualified(element):
+        context = elements.get(element.get("context"))
+        name = PREFIXES.get(element.tag, "") + element.get("name")
+        return name if context is None or context.get("name") == "::" else f"{qualified(context)}::{name}"
+
+    declared = [e for e in elements.values() if e.get("file") in files and e.tag in STRUCTORS + NAMED and e.get("name")]
+    declared_names = {qualified(e) for e in declared}
+    faults = [f"{elements[e.get('file')].get('name')}:{e.get('line')}: not exported: {qualified(e)}" for e in declared
+              if not any(e.get(trait) for trait in ("inline", "artificial", "deleted", "pure_virtual"))
+              and (e.tag != "Variable" or e.get("extern"))
+              and (qualified(e) not in exported_names if e.tag in STRUCTORS else symbol_of(e) not in exported)]
+    faults += [f"exported, but declared in no installed header: {text}" for text in readable
+               if name_in(text) not in declared_names and not text.startswith(COMPILER_MADE)]
+    print("\n".join(faults) or f"{len(exported)} symbols are exported, as declared")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(Path(sys.argv[1]).resolve()))
