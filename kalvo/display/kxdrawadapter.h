@@ -88,7 +88,9 @@ struct KX_API DrawAdapter {
                              const RGBColor& fillColor) = 0;
     virtual void FillPolygon(const DrawPointList& points, const RGBColor& lineColor,
                              const RGBColor& fillColor) = 0;
-    /// Lines of text, separated by "\n", with their top-left corner at (x, y).
+    /// Lines of text, separated by "\n", with their top-left corner at (x, y). A surface may cut what does
+    /// not fit the rectangle of `GetTextExtent`: letters that reach beyond their advance, and the lower part
+    /// of lines that follow empty ones, which add no height.
     virtual void DrawText(const std::string& text, int n32X, int n32Y, const RGBColor& textColor) = 0;
     /// The same on a filled rectangle.
     virtual void DrawTextWithBackground(const std::string& text, int n32X, int n32Y,

@@ -60,12 +60,17 @@ public:
     /// no address of their own: `KX_ERROR_UNSUPPORTED_IMAGE_TYPE`, null.
     const Pixel* GetImagePtr(int n32X = 0, int n32Y = 0) const;
     Pixel* GetImagePtr(int n32X = 0, int n32Y = 0);
-    /// The value of pixel (x, y), which must lie inside a region that is not void.
+    /// The value of pixel (x, y). The point must lie inside the region, and the region must have pixels: for
+    /// speed, neither is checked.
     Pixel GetPixel(int n32X, int n32Y) const;
-    /// Stores the value of pixel (x, y), which must lie inside a region that is not void.
+    /// Stores the value of pixel (x, y), where the same must hold.
     void SetPixel(Pixel value, int n32X, int n32Y);
 
-    /// The mask: horizontal runs, row by row from the top, of the pixels that count. Empty: all count.
+    /// The mask: horizontal runs, row by row from the top, of the pixels that count. Empty: all count. It
+    /// does not follow when the region moves or shrinks, or when its image gets another buffer: runs then lie
+    /// outside the region, or point into memory that is gone. Offsets never do the latter, and move with the
+    /// region: call `SetMaskOffsets(1)` first, and build the mask anew after a change of size or of the row
+    /// pitch.
     const KxVectorTemplate<KxRun>& GetMaskRuns() const { return m_MaskRuns; }
     /// Whether runs are built as byte offsets from pixel (0, 0) (not 0) or as addresses (0, the default). Set
     /// it before building the mask.

@@ -152,7 +152,9 @@ struct KX_API KxINT32 : KxPlainPixel<std::int32_t> {
     using KxPlainPixel::KxPlainPixel;
 };
 
-/// A horizontal run of pixels.
+/// A horizontal run of pixels. Its coordinates have 16 bits and wrap beyond column or row 32767; there, go by
+/// the addresses. A run of `KxBW1` starts at the byte that holds its first bit and counts a byte for each
+/// pixel: pEnd - pBeg is its length all the same, but pEnd is no address.
 struct KX_API KxRun {
     void* pBeg;         ///< first pixel of the run, or its byte offset in offset mode
     void* pEnd;         ///< the pixel after the last one
