@@ -34,8 +34,7 @@ public:
     void SetSize(KxGenericROI* pOther) override;
 
     /// Wraps a buffer of the caller, who keeps it alive and frees it. Null makes the image void.
-    /// @param n32BitsPerRow  distance between rows in **bits**, so eight times their pitch in bytes; 0 for
-    /// rows
+    /// @param n32BitsPerRow  distance between rows in **bits**, eight times their pitch in bytes; 0 for rows
     ///                       padded to 32 bits
     void SetImagePtr(int n32Width, int n32Height, void* pPixels, int n32BitsPerRow = 0);
     /// The same with the current size.
