@@ -4,5 +4,5 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     using namespace Zelkor::Kalvo;
-    return Fuzzing::CheckReader(ReadBmp, bytes, count);
+    return Fuzzing::CheckReader(InspectBmp, bytes, count);
 }

@@ -4,5 +4,5 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     using namespace Zelkor::Kalvo;
-    return Fuzzing::CheckReader(ReadJpeg, bytes, count);
+    return Fuzzing::CheckReader(InspectJpeg, bytes, count);
 }

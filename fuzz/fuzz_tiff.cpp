@@ -10,7 +10,7 @@ void CheckRefusal(std::FILE* stream) {
     constexpr int kWidth = 5, kHeight = 3;
     const auto untouched = Fuzzing::MakeGuard<KxBW8>(kWidth, kHeight);
     const auto image = Fuzzing::MakeGuard<KxBW8>(kWidth, kHeight);
-    if (Fuzzing::Loads(ReadTiff, stream, *image)) return;
+    if (Fuzzing::Loads(InspectTiff, stream, *image)) return;
     Fuzzing::Require(image->GetWidth() == kWidth && image->GetHeight() == kHeight && !image->GetTitle(),
                      "a refused file leaves size and texts");
     const RegionRows rows = RowsOf(*image);
@@ -21,7 +21,7 @@ void CheckRefusal(std::FILE* stream) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
-    Fuzzing::CheckReader(ReadTiff, bytes, count);
+    Fuzzing::CheckReader(InspectTiff, bytes, count);
     if (count == 0) return 0;
     std::FILE* stream = fmemopen(const_cast<std::uint8_t*>(bytes), count, "rb");
     CheckRefusal(stream);

@@ -1,5 +1,5 @@
 #pragma once
-// What must hold for every input of an image file reader, whatever the format.
+// What must hold for every image file, whatever the format.
 
 #include <cstdint>
 #include <cstdio>
@@ -14,13 +14,16 @@
 
 namespace Zelkor::Kalvo::Fuzzing {
 
-using Reader = IMAGE_FILE_TYPES (*)(const ImageFileReader&, const LoadTarget&);
+using Inspector = std::unique_ptr<InspectedFile> (*)(const ImageFileReader&);
 
-/// Whether `reader` loads the bytes into `region`; only failures with a code may stop it.
+/// Whether the bytes load into `region`; only failures with a code may stop that.
 template <class Pixel>
-bool Loads(Reader reader, std::FILE* stream, KxROI<Pixel>& region) {
+bool Loads(Inspector inspect, std::FILE* stream, KxROI<Pixel>& region) {
     try {
-        reader(ImageFileReader(stream), LoadTarget(region, FormatOf<Pixel>()));
+        const ImageFileReader file(stream);
+        const auto inspected = inspect(file);
+        inspected->CountPages();
+        Load(*inspected, region);
         return true;
     } catch (const Exception& exception) {
         Require(exception.GetError() >= 1000, "a failure has a code");
@@ -40,9 +43,9 @@ std::unique_ptr<KxImage<Pixel>> MakeGuard(int width, int height) {
 
 /// What an image takes, a region of its size takes too, and leaves its neighbours alone.
 template <class Pixel>
-void CheckPixelType(Reader reader, std::FILE* stream) {
+void CheckPixelType(Inspector inspect, std::FILE* stream) {
     KxImage<Pixel> image;
-    if (!Loads(reader, stream, image)) return;
+    if (!Loads(inspect, stream, image)) return;
     const int width = image.GetWidth();
     const int height = image.GetHeight();
     Require(!image.Void() && width > 0 && height > 0, "a loaded image has pixels");
@@ -51,7 +54,7 @@ void CheckPixelType(Reader reader, std::FILE* stream) {
     const auto guard = MakeGuard<Pixel>(width + 2 * kMargin, height + 2 * kMargin);
     const auto frame = MakeGuard<Pixel>(width + 2 * kMargin, height + 2 * kMargin);
     KxROI<Pixel> region(frame.get(), kMargin, kMargin, width, height);
-    Require(Loads(reader, stream, region), "a region of the right size loads");
+    Require(Loads(inspect, stream, region), "a region of the right size loads");
     for (int y = 0; y < frame->GetHeight(); ++y) {
         for (int x = 0; x < frame->GetWidth(); ++x) {
             const int column = x - kMargin, row = y - kMargin;
@@ -64,11 +67,11 @@ void CheckPixelType(Reader reader, std::FILE* stream) {
 }
 
 /// Offers the bytes to every pixel type that files know.
-inline int CheckReader(Reader reader, const std::uint8_t* bytes, std::size_t count) {
+inline int CheckReader(Inspector inspect, const std::uint8_t* bytes, std::size_t count) {
     KxSetTraceMode(KX_TRACE_MODE_SILENT);
     if (count == 0) return 0;
     std::FILE* stream = fmemopen(const_cast<std::uint8_t*>(bytes), count, "rb");
-#define KX_CHECK(Pixel) CheckPixelType<Pixel>(reader, stream);
+#define KX_CHECK(Pixel) CheckPixelType<Pixel>(inspect, stream);
     KX_FOR_EACH_FILE_PIXEL(KX_CHECK)
 #undef KX_CHECK
     std::fclose(stream);

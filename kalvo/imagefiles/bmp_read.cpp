@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -19,63 +20,58 @@ namespace {
 constexpr std::uint32_t kCoreHeaderBytes = 12;
 constexpr float kCorePixelsPerMetre = 1000;  // a core header tells no resolution
 
-/// How pixels lie in a file, and which destinations take them.
-struct Layout {
-    int bits;  ///< of a stored pixel
-    IMAGE_FILE_TYPES type;
-    std::array<KX_ERRORS, 8> refusals;  ///< by pixel type; KX_OK where it takes the file
-};
-
-// Words of 16 bits without masks are 5, 5, 5 bits by the definition of the format, but there are programs
-// that mean 5, 6, 5: the destination decides.
-// clang-format off
-constexpr KX_ERRORS kOk = KX_OK, kBw1 = KX_ERROR_BW1_EXPECTED, kBw16 = KX_ERROR_BW16_EXPECTED,
-                    kC15 = KX_ERROR_C15_EXPECTED, kC16 = KX_ERROR_C16_EXPECTED, kC24 = KX_ERROR_C24_EXPECTED,
-                    kBilevel = KX_ERROR_BILEVEL_IMAGE_EXPECTED, kGray = KX_ERROR_GRAY_IMAGE_EXPECTED,
-                    kColor = KX_ERROR_COLOR_IMAGE_EXPECTED, kNoBmp = KX_ERROR_UNSUPPORTED_BMP,
-                    kFault = KX_ERROR_INTERNAL;
-
-//                                                     BW1       BW8     BW16    BW32    C15     C16     C24     C24A
-constexpr Layout kBits1{1, IMAGE_FILE_BMP_BILEVEL,    {kOk,      kGray,  kGray,  kGray,  kColor, kColor, kColor, kGray}};
-constexpr Layout kGray8{8, IMAGE_FILE_BMP_GRAY,       {kBw1,     kOk,    kBw16,  kFault, kColor, kColor, kColor, kFault}};
-constexpr Layout kWords555{16, IMAGE_FILE_BMP_COLOR,  {kBilevel, kGray,  kGray,  kGray,  kOk,    kC15,   kC15,   kC15}};
-constexpr Layout kWords565{16, IMAGE_FILE_BMP_COLOR,  {kBilevel, kGray,  kGray,  kGray,  kC16,   kOk,    kC16,   kC16}};
-constexpr Layout kWords16{16, IMAGE_FILE_BMP_COLOR,   {kBilevel, kGray,  kGray,  kGray,  kOk,    kOk,    kC16,   kC16}};
-constexpr Layout kColor24{24, IMAGE_FILE_BMP_COLOR,   {kBilevel, kGray,  kGray,  kGray,  kC24,   kC24,   kOk,    kC24}};
-constexpr Layout kWords32{32, IMAGE_FILE_BMP_COLOR,   {kNoBmp,   kNoBmp, kNoBmp, kOk,    kNoBmp, kNoBmp, kNoBmp, kOk}};
-// clang-format on
-
 struct Picture {
-    const Layout* layout = nullptr;
+    FileLayout layout;
     std::uint32_t width;
     std::uint32_t height;
     bool isTopDown;
     std::uint64_t headerEnd;
     FileResolution resolution{0, 0, &KxUnit_m};
+
+    int BitsPerPixel() const {
+        switch (layout) {
+        case FileLayout::BmpBits:
+            return 1;
+        case FileLayout::BmpGray:
+            return 8;
+        case FileLayout::BmpColor24:
+            return 24;
+        case FileLayout::BmpWords32:
+            return 32;
+        default:
+            return 16;
+        }
+    }
+    std::uint64_t BitsPerRow() const { return std::uint64_t{width} * static_cast<unsigned>(BitsPerPixel()); }
+    std::uint64_t Stride() const { return BmpStrideBytes(BitsPerRow()); }
+    IMAGE_FILE_TYPES Type() const {
+        if (layout == FileLayout::BmpBits) return IMAGE_FILE_BMP_BILEVEL;
+        return layout == FileLayout::BmpGray ? IMAGE_FILE_BMP_GRAY : IMAGE_FILE_BMP_COLOR;
+    }
 };
 
-const Layout* UncompressedLayout(int bitCount) {
+FileLayout UncompressedLayout(int bitCount) {
     switch (bitCount) {
     case 1:
-        return &kBits1;
+        return FileLayout::BmpBits;
     case 8:
-        return &kGray8;
+        return FileLayout::BmpGray;
     case 16:
-        return &kWords16;
+        return FileLayout::BmpWords16;
     case 24:
-        return &kColor24;
+        return FileLayout::BmpColor24;
     case 32:
-        return &kWords32;
+        return FileLayout::BmpWords32;
     default:
         throw Exception(KX_ERROR_UNSUPPORTED_BMP);
     }
 }
 
 // Green alone tells 5, 5, 5 bits from 5, 6, 5: other masks than those two are not distinguished.
-const Layout* MaskedLayout(const ImageFileReader& file, std::uint64_t masksOffset) {
+FileLayout MaskedLayout(const ImageFileReader& file, std::uint64_t masksOffset) {
     constexpr std::size_t kGreen = 1;
     const auto green = file.Field<std::uint32_t>(masksOffset + kGreen * sizeof(BmpMasks::value_type));
-    return green == kBmpMasks555[kGreen] ? &kWords555 : &kWords565;
+    return green == kBmpMasks555[kGreen] ? FileLayout::BmpWords555 : FileLayout::BmpWords565;
 }
 
 // The fields of both headers stand at fixed offsets from the start of the file.
@@ -102,7 +98,8 @@ Picture ReadInfoHeader(const ImageFileReader& file) {
     if (width < 0 || height == std::numeric_limits<std::int32_t>::min())
         throw Exception(KX_ERROR_BAD_FILE_FORMAT);
 
-    Picture picture{.width = static_cast<std::uint32_t>(width),
+    Picture picture{.layout = {},
+                    .width = static_cast<std::uint32_t>(width),
                     .height = static_cast<std::uint32_t>(std::abs(height)),
                     .isTopDown = height < 0,
                     .headerEnd = kBmpFileHeaderBytes + kBmpInfoHeaderBytes};
@@ -113,7 +110,7 @@ Picture ReadInfoHeader(const ImageFileReader& file) {
         picture.headerEnd += sizeof(BmpMasks);
     } else {
         // 15 bits need masks to be known, but say all without them.
-        picture.layout = hasMasks && bitCount == 15 ? &kWords555 : UncompressedLayout(bitCount);
+        picture.layout = hasMasks && bitCount == 15 ? FileLayout::BmpWords555 : UncompressedLayout(bitCount);
     }
     // Numbers below 0 mean nothing here.
     picture.resolution.x = static_cast<float>(std::max(0, file.Field<std::int32_t>(38)));
@@ -145,30 +142,45 @@ void ReadRow(const ImageFileReader& file, std::uint64_t offset, std::uint64_t bi
     }
 }
 
+class BmpFile : public InspectedFile {
+public:
+    BmpFile(const ImageFileReader& file, const Picture& picture)
+        : InspectedFile({picture.Type(), picture.layout, picture.width, picture.height}),
+          m_file(file),
+          m_picture(picture) {}
+
+    FileResolution Resolution() const override { return m_picture.resolution; }
+    void RequirePixels() const override;
+    void ReadPixels(const RegionRows& rows, int bitsPerPixel) const override;
+
+private:
+    std::uint32_t PixelOffset() const { return m_file.Field<std::uint32_t>(10); }
+
+    const ImageFileReader& m_file;
+    const Picture m_picture;
+};
+
+// The padding of the row at the end of the file may be missing.
+void BmpFile::RequirePixels() const {
+    if (PixelOffset() < m_picture.headerEnd) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+    m_file.Require(PixelOffset(), CheckedSize(m_picture.Stride(), m_picture.height - 1, KX_ERROR_FILE_READ) +
+                                      (m_picture.BitsPerRow() + 7) / 8);
+}
+
+void BmpFile::ReadPixels(const RegionRows& rows, int /*bitsPerPixel*/) const {
+    const std::uint64_t stride = m_picture.Stride();
+    std::vector<std::uint8_t> buffer(std::min<std::uint64_t>(stride, 0x10000));
+    std::uint64_t offset = PixelOffset();
+    for (int i = 0; i < rows.height; ++i, offset += stride) {
+        const int y = m_picture.isTopDown ? i : rows.height - 1 - i;
+        ReadRow(m_file, offset, m_picture.BitsPerRow(), rows.Row(y), rows.firstBit, buffer);
+    }
+}
+
 }  // namespace
 
-IMAGE_FILE_TYPES ReadBmp(const ImageFileReader& file, const LoadTarget& target) {
-    const Picture picture = ReadHeader(file);
-    const Layout& layout = *picture.layout;
-    if (const KX_ERRORS refusal = layout.refusals[target.Format().type]) throw Exception(refusal);
-    const auto pixelOffset = file.Field<std::uint32_t>(10);
-    if (picture.width == 0 || picture.height == 0 || pixelOffset < picture.headerEnd)
-        throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-    target.RequireSize(picture.width, picture.height);
-
-    // The padding of the row at the end of the file may be missing.
-    const std::uint64_t bitsPerRow = std::uint64_t{picture.width} * layout.bits;
-    const std::uint64_t stride = BmpStrideBytes(bitsPerRow);
-    file.Require(pixelOffset,
-                 CheckedSize(stride, picture.height - 1, KX_ERROR_FILE_READ) + (bitsPerRow + 7) / 8);
-
-    const RegionRows rows = target.Prepare(picture.width, picture.height, picture.resolution);
-    std::vector<std::uint8_t> buffer(std::min<std::uint64_t>(stride, 0x10000));
-    for (int i = 0; i < rows.height; ++i) {
-        const int y = picture.isTopDown ? i : rows.height - 1 - i;
-        ReadRow(file, pixelOffset + stride * i, bitsPerRow, rows.Row(y), rows.firstBit, buffer);
-    }
-    return layout.type;
+std::unique_ptr<InspectedFile> InspectBmp(const ImageFileReader& file) {
+    return std::make_unique<BmpFile>(file, ReadHeader(file));
 }
 
 }  // namespace Zelkor::Kalvo

@@ -1,12 +1,10 @@
-// Finding the format of an image file, choosing one for saving, and what all codecs need: the target made
-// ready, checked reads, resolutions. The formats themselves stand in the files of their codecs.
+// Finding the format of an image file, loading it whatever it is, choosing one for saving, resolutions.
 
 #include "kalvo/imagefiles/imagefile.h"
 
 #include <algorithm>
-#include <climits>
+#include <array>
 
-#include "kalvo/base/file.h"
 #include "kalvo/frame/kxexception.h"
 
 namespace Zelkor::Kalvo {
@@ -87,17 +85,36 @@ Choice Choose(KX_IMAGE_TYPES pixelType, int requestedType, std::string_view exte
     return isType ? kRequested[requestedType].For(pixelType) : kNoType;
 }
 
+void RequireSize(const KxGenericROI& region, const InspectedFile::Header& header) {
+    if (region.GetWidth() != std::int64_t{header.width} || region.GetHeight() != std::int64_t{header.height})
+        throw Exception(KX_ERROR_SIZE_MISMATCH);
+}
+
 // The image may have regions below it: that they are clipped to the new size is no failure of ours.
-void Resize(KxGenericROI& image, std::uint32_t width, std::uint32_t height) {
-    if (width > INT_MAX || height > INT_MAX) throw Exception(KX_ERROR_ORIGIN_IMAGE_TOO_BIG);
-    const int newWidth = static_cast<int>(width);
-    const int newHeight = static_cast<int>(height);
+void Resize(KxGenericROI& image, const InspectedFile::Header& header) {
+    const int width = static_cast<int>(header.width);
+    const int height = static_cast<int>(header.height);
     KxOk();
-    image.SetSize(newWidth, newHeight);
+    image.SetSize(width, height);
     const bool isClippedOnly = KxGetError() == KX_ERROR_ROI_OUT_OF_PARENT;
     if (KxFailure() && !isClippedOnly) throw Exception(KxGetError());
-    if (image.GetWidth() != newWidth || image.GetHeight() != newHeight) throw Exception(KX_ERROR_ALLOCATION);
+    if (image.GetWidth() != width || image.GetHeight() != height) throw Exception(KX_ERROR_ALLOCATION);
     KxOk();
+}
+
+void SetResolution(KxGenericROI& region, const FileResolution& resolution) {
+    const bool isKnown = resolution.IsKnown();
+    KxMeasurementUnit unit = isKnown ? *resolution.unit : KxUnitNone;
+    region.SetResolution(isKnown ? resolution.x : 1, isKnown ? resolution.y : 1, &unit);
+}
+
+// The setters tell only the error slot that they found no memory.
+void SetTexts(KxGenericROI& region, const std::vector<FileText>& texts) {
+    KxOk();
+    for (const FileText& text : texts) {
+        (region.*text.set)(text.value.c_str());
+        if (KxFailure()) throw Exception(KxGetError());
+    }
 }
 
 }  // namespace
@@ -123,65 +140,47 @@ std::uint32_t WholePixels(float pixelsPerUnit, std::uint32_t largest) {
     return double{pixelsPerUnit} < largest ? static_cast<std::uint32_t>(pixelsPerUnit) : largest;
 }
 
-void LoadTarget::RequireSize(std::uint32_t width, std::uint32_t height) const {
-    if (!m_region.IsAnROI()) return;
-    if (m_region.GetWidth() != std::int64_t{width} || m_region.GetHeight() != std::int64_t{height})
-        throw Exception(KX_ERROR_SIZE_MISMATCH);
-}
-
-RegionRows LoadTarget::Prepare(std::uint32_t width, std::uint32_t height,
-                               const FileResolution& resolution) const {
-    RequireSize(width, height);
-    if (!m_region.IsAnROI()) Resize(m_region, width, height);
-    if (m_region.Void()) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
-    const bool isKnown = resolution.IsKnown();
-    KxMeasurementUnit unit = isKnown ? *resolution.unit : KxUnitNone;
-    m_region.SetResolution(isKnown ? resolution.x : 1, isKnown ? resolution.y : 1, &unit);
-    return RowsOf(m_region);
-}
-
-ImageFileReader::ImageFileReader(std::FILE* stream) : m_stream(stream) {
-    const std::int64_t size = Platform::SizeOf(stream);
-    if (size < 0) throw Exception(KX_ERROR_FILE_READ);
-    m_size = static_cast<std::uint64_t>(size);
-}
-
-void ImageFileReader::Require(std::uint64_t offset, std::uint64_t bytes) const {
-    if (offset > m_size || bytes > m_size - offset) throw Exception(KX_ERROR_FILE_READ);
-}
-
-void ImageFileReader::Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
-    constexpr std::size_t kWindowBytes = 0x10000;
-    Require(offset, bytes.size());
-    if (bytes.size() >= kWindowBytes) return ReadStream(offset, bytes);
-    if (offset < m_windowOffset || offset + bytes.size() > m_windowOffset + m_window.size()) {
-        m_window.resize(std::min<std::uint64_t>(kWindowBytes, m_size - offset));
-        m_windowOffset = offset;
-        ReadStream(offset, m_window);
-    }
-    std::copy_n(m_window.begin() + (offset - m_windowOffset), bytes.size(), bytes.begin());
-}
-
-void ImageFileReader::ReadStream(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
-    if (!Platform::Seek(m_stream, static_cast<std::int64_t>(offset)) ||
-        std::fread(bytes.data(), 1, bytes.size(), m_stream) != bytes.size())
-        throw Exception(KX_ERROR_FILE_READ);
-}
-
 void WriteBytes(std::FILE* stream, std::span<const std::uint8_t> bytes) {
     if (std::fwrite(bytes.data(), 1, bytes.size(), stream) != bytes.size())
         throw Exception(KX_ERROR_FILE_WRITE);
 }
 
-IMAGE_FILE_TYPES ReadImageFile(const ImageFileReader& file, const LoadTarget& target) {
+std::unique_ptr<InspectedFile> Inspect(const ImageFileReader& file) {
     std::array<std::uint8_t, 16> start;
     file.Read(0, start);
     const std::string_view text(reinterpret_cast<const char*>(start.data()), start.size());
-    if (text.starts_with("II") || text.starts_with("MM")) return ReadTiff(file, target);
-    if (text.starts_with("BM")) return ReadBmp(file, target);
+    if (text.starts_with("II") || text.starts_with("MM")) return InspectTiff(file);
+    if (text.starts_with("BM")) return InspectBmp(file);
     const std::string_view application = text.substr(6, 4);
-    if (application == "JFIF" || application == "Exif") return ReadJpeg(file, target);
+    if (application == "JFIF" || application == "Exif") return InspectJpeg(file);
     throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+}
+
+void RequireFit(const InspectedFile& file, KX_IMAGE_TYPES destination) {
+    const InspectedFile::Header& header = file.GetHeader();
+    if (const KX_ERRORS refusal = RefusalOf(header.layout, destination)) throw Exception(refusal);
+    if (header.width == 0 || header.height == 0) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+}
+
+void Load(const InspectedFile& file, KxGenericROI& destination) {
+    const InspectedFile::Header& header = file.GetHeader();
+    RequireFit(file, destination.GetType());
+    if (destination.IsAnROI()) RequireSize(destination, header);
+
+    // Everything that may turn out wrong comes before the first change of the destination.
+    const std::vector<FileText> texts = file.Texts();
+    const FileResolution resolution = file.Resolution();
+    file.RequirePixels();
+    if (!destination.IsAnROI()) Resize(destination, header);
+    if (destination.Void()) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
+    SetResolution(destination, resolution);
+    file.ReadPixels(RowsOf(destination), destination.GetBitsPerPixel());
+    SetTexts(destination, texts);
+}
+
+void Describe(const InspectedFile& file, KxGenericROI& region) {
+    SetResolution(region, file.Resolution());
+    SetTexts(region, file.Texts());
 }
 
 IMAGE_FILE_TYPES ChooseFileType(KX_IMAGE_TYPES pixelType, int requestedType, std::string_view extension) {

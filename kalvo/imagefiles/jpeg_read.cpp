@@ -7,8 +7,12 @@
 namespace Zelkor::Kalvo {
 namespace {
 
+using Platform::JpegFault;
+
 struct FileDecoder : Platform::JpegDecoder {
-    explicit FileDecoder(std::FILE* source) : stream(source) {}
+    explicit FileDecoder(const ImageFileReader& file) : stream(file.Stream()) {
+        if (!Platform::Seek(stream, 0)) throw Exception(KX_ERROR_FILE_READ);
+    }
     std::FILE* stream;
     RegionRows rows;
 };
@@ -30,20 +34,14 @@ void ReadRows(FileDecoder& decoder) {
     jpeg_finish_decompress(&info);
 }
 
-void RequirePossibleTarget(const SampleFormat& format) {
-    if (format.planes == 1 && format.bits == 1) throw Exception(KX_ERROR_BILEVEL_IMAGE_EXPECTED);
-    if (format.planes == 3 && format.bits != 8) throw Exception(KX_ERROR_UNSUPPORTED_JPEG);
-}
-
-void RequireFit(const jpeg_decompress_struct& info, const SampleFormat& format) {
-    const bool isGray = info.num_components == 1 && info.out_color_space == JCS_GRAYSCALE;
-    const bool isColor = info.num_components == 3 && info.out_color_space == JCS_RGB;
-    if ((!isGray && !isColor) || info.arith_code) throw Exception(KX_ERROR_UNSUPPORTED_JPEG);
-    if (isColor && format.planes == 1) throw Exception(KX_ERROR_GRAY_IMAGE_EXPECTED);
-    if (isGray && format.planes == 3) throw Exception(KX_ERROR_COLOR_IMAGE_EXPECTED);
-    if (format.type == KX_IMAGE_C24A) throw Exception(KX_ERROR_UNSUPPORTED_JPEG);
-    if (format.bits == 16) throw Exception(KX_ERROR_BW16_EXPECTED);
-    if (format.bits == 32) throw Exception(KX_ERROR_BW32_EXPECTED);
+FileLayout LayoutOf(JpegFault fault, const jpeg_decompress_struct& info) {
+    if (fault == JpegFault::OutOfMemory) throw Exception(KX_ERROR_ALLOCATION);
+    if (fault != JpegFault::None)
+        return fault == JpegFault::Cut ? FileLayout::JpegCut : FileLayout::JpegDamaged;
+    if (info.arith_code) return FileLayout::JpegOther;
+    if (info.num_components == 1 && info.out_color_space == JCS_GRAYSCALE) return FileLayout::JpegGray;
+    if (info.num_components == 3 && info.out_color_space == JCS_RGB) return FileLayout::JpegColor;
+    return FileLayout::JpegOther;
 }
 
 FileResolution ResolutionOf(const jpeg_decompress_struct& info) {
@@ -53,20 +51,49 @@ FileResolution ResolutionOf(const jpeg_decompress_struct& info) {
     return resolution;
 }
 
+class JpegFile : public InspectedFile {
+public:
+    JpegFile(const ImageFileReader& file, const Header& header, const FileResolution& resolution,
+             bool canHoldPixels)
+        : InspectedFile(header), m_file(file), m_resolution(resolution), m_canHoldPixels(canHoldPixels) {}
+
+    FileResolution Resolution() const override { return m_resolution; }
+    void RequirePixels() const override {
+        if (!m_canHoldPixels) throw Exception(KX_ERROR_FILE_READ);
+    }
+    void ReadPixels(const RegionRows& rows, int bitsPerPixel) const override;
+
+private:
+    const ImageFileReader& m_file;
+    FileResolution m_resolution;
+    bool m_canHoldPixels;
+};
+
+void JpegFile::ReadPixels(const RegionRows& rows, int /*bitsPerPixel*/) const {
+    FileDecoder decoder(m_file);
+    RequireNoFault(decoder.errors.Run<ReadHeader>(decoder), KX_ERROR_JPEG_READ);
+    // Somebody may have written to the file since it was inspected.
+    const jpeg_decompress_struct& info = decoder.info;
+    const Header& header = GetHeader();
+    if (LayoutOf(JpegFault::None, info) != header.layout || info.image_width != header.width ||
+        info.image_height != header.height)
+        throw Exception(KX_ERROR_FILE_READ);
+    decoder.rows = rows;
+    RequireNoFault(decoder.errors.Run<ReadRows>(decoder), KX_ERROR_JPEG_READ);
+}
+
 }  // namespace
 
-IMAGE_FILE_TYPES ReadJpeg(const ImageFileReader& file, const LoadTarget& target) {
-    RequirePossibleTarget(target.Format());
-    if (!Platform::Seek(file.Stream(), 0)) throw Exception(KX_ERROR_FILE_READ);
-    FileDecoder decoder(file.Stream());
-    RequireNoFault(decoder.errors.Run<ReadHeader>(decoder), KX_ERROR_JPEG_READ);
+std::unique_ptr<InspectedFile> InspectJpeg(const ImageFileReader& file) {
+    FileDecoder decoder(file);
+    const JpegFault fault = decoder.errors.Run<ReadHeader>(decoder);
     const jpeg_decompress_struct& info = decoder.info;
-    RequireFit(info, target.Format());
-    target.RequireSize(info.image_width, info.image_height);
-    if (!decoder.CanStandIn(file.Size())) throw Exception(KX_ERROR_FILE_READ);
-    decoder.rows = target.Prepare(info.image_width, info.image_height, ResolutionOf(info));
-    RequireNoFault(decoder.errors.Run<ReadRows>(decoder), KX_ERROR_JPEG_READ);
-    return info.num_components == 1 ? IMAGE_FILE_JPEG_GRAY : IMAGE_FILE_JPEG_COLOR;
+    const FileLayout layout = LayoutOf(fault, info);
+    const InspectedFile::Header header{
+        layout == FileLayout::JpegGray ? IMAGE_FILE_JPEG_GRAY : IMAGE_FILE_JPEG_COLOR, layout,
+        info.image_width, info.image_height};
+    const bool canHoldPixels = fault == JpegFault::None && decoder.CanStandIn(file.Size());
+    return std::make_unique<JpegFile>(file, header, ResolutionOf(info), canHoldPixels);
 }
 
 }  // namespace Zelkor::Kalvo

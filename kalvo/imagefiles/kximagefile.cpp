@@ -70,14 +70,34 @@ std::string ExtensionOf(const Character* name) {
     return extension.size() == 3 ? extension : std::string();
 }
 
-template <class Character>
-void LoadFile(SampleFormat format, KxGenericROI* pRegion, const Character* path, short& n16FileType) {
-    AtBoundary(kTraceNames[format.type].load.For(path), [&] {
-        if (!pRegion) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
-        const Zelkor::Platform::File file(path, "rb");
+/// An image file that was found, opened and inspected.
+class ImageFile {
+public:
+    template <class Character>
+    explicit ImageFile(const Character* path)
+        : m_file(path, "rb"), m_reader(Opened(m_file)), m_inspected(Inspect(m_reader)) {}
+
+    const InspectedFile& Inspected() const { return *m_inspected; }
+    const InspectedFile::Header& Header() const { return m_inspected->GetHeader(); }
+
+private:
+    static std::FILE* Opened(const Zelkor::Platform::File& file) {
         if (!file) throw Exception(KX_ERROR_FILE_OPEN);
-        const LoadTarget target(*pRegion, format);
-        n16FileType = static_cast<short>(ReadImageFile(ImageFileReader(file.Get()), target));
+        return file.Get();
+    }
+
+    const Zelkor::Platform::File m_file;
+    const ImageFileReader m_reader;
+    const std::unique_ptr<InspectedFile> m_inspected;
+};
+
+template <class Character>
+void LoadFile(KX_IMAGE_TYPES type, KxGenericROI* pRegion, const Character* path, short& n16FileType) {
+    AtBoundary(kTraceNames[type].load.For(path), [&] {
+        if (!pRegion) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
+        const ImageFile file(path);
+        Load(file.Inspected(), *pRegion);
+        n16FileType = static_cast<short>(file.Header().type);
         KxOk();
     });
 }
@@ -107,7 +127,7 @@ IMAGE_FILE_TYPES LoadMember(KxROI<Pixel>& region, const Character* path) {
     if constexpr (kInFiles<Pixel>) {
         if (auto* loadable = dynamic_cast<Loadable<Pixel>*>(&region)) {
             short fileType = IMAGE_FILE_RESERVED;
-            LoadFile(FormatOf<Pixel>(), loadable, path, fileType);
+            LoadFile(PixelTraits<Pixel>::kImageType, loadable, path, fileType);
             return static_cast<IMAGE_FILE_TYPES>(fileType);
         }
     }
@@ -124,19 +144,62 @@ void SaveMember(const KxROI<Pixel>& region, const Character* path, IMAGE_FILE_TY
 }
 
 template <class Pixel>
-KxGenericROI* LoadNewImage(const char* path) {
+std::unique_ptr<KxGenericROI> LoadNew(const InspectedFile& file) {
     auto image = std::make_unique<KxImage<Pixel>>();
-    image->Load(path);
-    return KxFailure() ? nullptr : image.release();
+    Load(file, *image);
+    return image;
 }
 
-// Without memory we do not know whether the type takes the file, so no further one is tried.
+// A type that lacks memory might have taken the file, so no further one is tried.
 template <class... Pixels>
-KxGenericROI* LoadFirstOf(const char* path) {
-    KxGenericROI* pImage = nullptr;
-    const auto isDone = [&] { return pImage || KxGetError() == KX_ERROR_ALLOCATION; };
-    ((pImage = LoadNewImage<Pixels>(path), isDone()) || ...);
-    return pImage;
+KxGenericROI* LoadFirstOf(const InspectedFile& file) {
+    std::unique_ptr<KxGenericROI> image;
+    KX_ERRORS refusal = KX_OK;
+    const auto isDoneWith = [&]<class Pixel>(std::type_identity<Pixel>) {
+        try {
+            image = LoadNew<Pixel>(file);
+        } catch (...) {
+            refusal = CurrentExceptionError(KX_ERROR_INTERNAL);
+        }
+        return image || refusal == KX_ERROR_ALLOCATION;
+    };
+    (isDoneWith(std::type_identity<Pixels>()) || ...);
+    if (!image) throw Exception(refusal);
+    KxOk();
+    return image.release();
+}
+
+std::unique_ptr<KxGenericROI> MakeWithoutPixels(KX_IMAGE_TYPES type, int width, int height) {
+    std::unique_ptr<KxGenericROI> made;
+    const auto make = [&]<class Pixel>(std::type_identity<Pixel>) {
+        if (PixelTraits<Pixel>::kImageType != type) return;
+        auto image = std::make_unique<KxImage<Pixel>>();
+        KxOk();
+        image->SetImagePtr(width, height, nullptr);
+        if (KxFailure()) throw Exception(KxGetError());
+        made = std::move(image);
+    };
+#define KX_MAKE(Pixel) make(std::type_identity<Pixel>());
+    KX_FOR_EACH_FILE_PIXEL(KX_MAKE)
+#undef KX_MAKE
+    return made;
+}
+
+template <class Character>
+KxGenericROI* DescribeFile(const char* traceName, const Character* path, short& n16FileType,
+                           unsigned int& un32Pages) {
+    return AtBoundary(traceName, [&] {
+        const ImageFile file(path);
+        const InspectedFile::Header& header = file.Header();
+        const KX_IMAGE_TYPES type = NaturalTypeOf(header.layout);
+        RequireFit(file.Inspected(), type);
+        auto image = MakeWithoutPixels(type, static_cast<int>(header.width), static_cast<int>(header.height));
+        Describe(file.Inspected(), *image);
+        n16FileType = static_cast<short>(header.type);
+        un32Pages = file.Inspected().CountPages();
+        KxOk();
+        return image.release();
+    });
 }
 
 /// Keeps the calling thread from showing traces.
@@ -156,11 +219,11 @@ private:
 // Plain overloads, so that images, derived objects and null pointers convert.
 #define KX_DEFINE(Pixel)                                                                            \
     short KxLoadImage(Loadable<Pixel>* pROI, const char* pszPath, short& n16FileType) {             \
-        LoadFile(FormatOf<Pixel>(), pROI, pszPath, n16FileType);                                    \
+        LoadFile(PixelTraits<Pixel>::kImageType, pROI, pszPath, n16FileType);                       \
         return static_cast<short>(KxGetError());                                                    \
     }                                                                                               \
     void KxLoadImage(Loadable<Pixel>* pROI, const unsigned short* pwszPath, short& n16FileType) {   \
-        LoadFile(FormatOf<Pixel>(), pROI, pwszPath, n16FileType);                                   \
+        LoadFile(PixelTraits<Pixel>::kImageType, pROI, pwszPath, n16FileType);                      \
     }                                                                                               \
     short KxSaveImage(const KxROI<Pixel>* pROI, const char* pszPath, short n16FileType) {           \
         SaveFile(FormatOf<Pixel>(), pROI, pszPath, n16FileType);                                    \
@@ -202,6 +265,15 @@ KX_FOR_EACH_PIXEL(KX_INSTANTIATE)
 
 KxGenericROI* KxGenericROI::CreateImageFromFile(const char* pszPath) {
     const TraceSilence silence;
-    return AtBoundary(
-        nullptr, [&] { return LoadFirstOf<KxBW1, KxBW8, KxBW16, KxBW32, KxC24, KxC15, KxC16>(pszPath); });
+    return AtBoundary(nullptr, [&] {
+        return LoadFirstOf<KxBW1, KxBW8, KxBW16, KxBW32, KxC24, KxC15, KxC16>(ImageFile(pszPath).Inspected());
+    });
+}
+
+KxGenericROI* KxDescribeImage(const char* pszPath, short& n16FileType, unsigned int& un32Pages) {
+    return DescribeFile("KxDescribeImage", pszPath, n16FileType, un32Pages);
+}
+
+KxGenericROI* KxDescribeImage(const unsigned short* pwszPath, short& n16FileType, unsigned int& un32Pages) {
+    return DescribeFile("KxDescribeImage ( Unicode)", pwszPath, n16FileType, un32Pages);
 }

@@ -1,5 +1,6 @@
 #pragma once
-// Loading and saving image files by free functions; the members of KxROI and KxImage do the same.
+// Loading and saving image files by free functions, as the members of KxROI and KxImage do, and telling what
+// is in them.
 
 #include "kalvo/image/kximage.h"
 
@@ -54,3 +55,13 @@ KX_API void KxSaveImage(const KxROI<KxC24>* pROI, const unsigned short* pwszPath
                         short n16FileType = IMAGE_FILE_AUTO);
 KX_API void KxSaveImage(const KxROI<KxC24A>* pROI, const unsigned short* pwszPath,
                         short n16FileType = IMAGE_FILE_AUTO);
+
+/// Describes the image of a file without reading its pixels: by an image of the pixel type that suits the
+/// file, with its size, resolution and texts, but without pixels. It belongs to the caller. Null on failure,
+/// with the code that loading it would leave, except for pixels that are missing or broken.
+/// @param n16FileType  receives the format found, an `IMAGE_FILE_TYPES`
+/// @param un32Pages    receives the number of pictures in the file, of which the first is described
+KX_API KxGenericROI* KxDescribeImage(const char* pszPath, short& n16FileType, unsigned int& un32Pages);
+/// The same with a UTF-16 path.
+KX_API KxGenericROI* KxDescribeImage(const unsigned short* pwszPath, short& n16FileType,
+                                     unsigned int& un32Pages);

@@ -3,6 +3,7 @@
 #include "kalvo/imagefiles/tiff_directory.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -66,14 +67,41 @@ TiffDirectory::TiffDirectory(const ImageFileReader& file) : m_file(file) {
     if (!hasByteOrder || Load<std::uint16_t>(std::span(header).subspan(2)) != kTiffMagic)
         throw Exception(KX_ERROR_BAD_FILE_FORMAT);
 
-    const std::uint64_t offset = Load<std::uint32_t>(std::span(header).subspan(4));
-    std::array<std::uint8_t, 2> count;
-    file.Read(offset, count);
-    m_firstEntry = offset + count.size();
-    const std::size_t bytes = Load<std::uint16_t>(count) * kTiffEntryBytes;
-    file.Require(m_firstEntry, bytes);
-    m_entries.resize(bytes);
+    const Entries entries = EntriesAt(Load<std::uint32_t>(std::span(header).subspan(4)));
+    m_firstEntry = entries.offset;
+    m_entries.resize(entries.bytes);
     file.Read(m_firstEntry, m_entries);
+}
+
+TiffDirectory::Entries TiffDirectory::EntriesAt(std::uint64_t offset) const {
+    std::array<std::uint8_t, 2> count;
+    m_file.Read(offset, count);
+    const Entries entries{offset + count.size(), Load<std::uint16_t>(count) * kTiffEntryBytes};
+    m_file.Require(entries.offset, entries.bytes);
+    return entries;
+}
+
+std::uint32_t TiffDirectory::NextAfter(const Entries& entries) const {
+    std::array<std::uint8_t, 4> offset;
+    m_file.Read(entries.offset + entries.bytes, offset);
+    return Load<std::uint32_t>(offset);
+}
+
+std::uint32_t TiffDirectory::CountDirectories() const {
+    constexpr std::size_t kMost = 65535;
+    std::unordered_set<std::uint64_t> found;
+    try {
+        Entries entries{m_firstEntry, m_entries.size()};
+        while (found.insert(entries.offset).second && found.size() < kMost) {
+            const std::uint32_t next = NextAfter(entries);
+            if (next == 0) break;
+            entries = EntriesAt(next);
+        }
+    } catch (const Exception&) {
+        // A file that is cut, or written by a program that left out the last link, has had its last
+        // directory.
+    }
+    return static_cast<std::uint32_t>(found.size());
 }
 
 std::optional<TiffField> TiffDirectory::Find(TiffTag tag, std::initializer_list<TiffType> types) const {

@@ -51,6 +51,9 @@ public:
     explicit TiffDirectory(const ImageFileReader& file);
 
     bool IsBigEndian() const { return m_bigEndian; }
+    /// How many directories follow one another, this one included; 65535 at the most. A link that leads back,
+    /// or out of the file, ends them.
+    std::uint32_t CountDirectories() const;
     /// All numbers of `tag`, which may be of any of the three widths.
     TiffNumbers Numbers(TiffTag tag) const;
     /// The first number of `tag`.
@@ -61,6 +64,14 @@ public:
     std::optional<std::string> Text(TiffTag tag) const;
 
 private:
+    /// The entries of the directory at `offset` begin there, and end after so many bytes.
+    struct Entries {
+        std::uint64_t offset;
+        std::size_t bytes;
+    };
+    Entries EntriesAt(std::uint64_t offset) const;
+    /// The offset of the directory that follows; 0 after the last one.
+    std::uint32_t NextAfter(const Entries& entries) const;
     std::optional<TiffField> Find(TiffTag tag, std::initializer_list<TiffType> types) const;
     /// The text of a field that may be small enough to stand in its entry.
     std::string ShortText(const TiffField& field) const;

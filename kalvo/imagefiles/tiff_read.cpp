@@ -1,8 +1,7 @@
-// Reads TIFF files: which pictures are accepted, which destination takes them, and in which order things
-// change.
+// Reads TIFF files: which pictures are accepted, and what their directory tells of them.
 
 #include <limits>
-#include <string>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -64,68 +63,64 @@ IMAGE_FILE_TYPES TypeOf(const TiffPicture& picture) {
     return picture.isPacked && picture.bits == 8 ? IMAGE_FILE_TIFF_GRAY_PACKBITS : IMAGE_FILE_TIFF_GRAY;
 }
 
-// The code that names the pixels a destination of one plane needs.
-KX_ERRORS ExpectedPixels(int bits) {
-    switch (bits) {
+FileLayout LayoutOf(const TiffPicture& picture) {
+    if (picture.samples == 3) return FileLayout::TiffColor;
+    switch (picture.bits) {
     case 1:
-        return KX_ERROR_BW1_EXPECTED;
+        return picture.isPacked ? FileLayout::TiffPackedBits : FileLayout::TiffBits;
     case 8:
-        return KX_ERROR_BW8_EXPECTED;
+        return FileLayout::TiffGray8;
     case 16:
-        return KX_ERROR_BW16_EXPECTED;
+        return FileLayout::TiffGray16;
     default:
-        return KX_ERROR_BW32_EXPECTED;
+        return FileLayout::TiffGray32;
     }
 }
 
-void RequireFit(const TiffPicture& picture, SampleFormat destination) {
-    const int bits = static_cast<int>(picture.bits);
-    if (picture.samples == 1) {
-        if (destination.planes != 1) throw Exception(KX_ERROR_COLOR_IMAGE_EXPECTED);
-        const bool expandsBits = bits == 1 && destination.bits == 8;
-        if (destination.bits != bits && !expandsBits) throw Exception(ExpectedPixels(destination.bits));
-        if (picture.isPacked && destination.bits == 1) throw Exception(KX_ERROR_UNSUPPORTED_IMAGE_TYPE);
-    } else {
-        if (destination.planes == 1) throw Exception(ExpectedPixels(destination.bits));
-        if (destination.bits != bits) throw Exception(KX_ERROR_C24_EXPECTED);
-    }
-}
+class TiffFile : public InspectedFile {
+public:
+    TiffFile(const ImageFileReader& file, TiffDirectory directory, const TiffPicture& picture)
+        : InspectedFile({TypeOf(picture), LayoutOf(picture), picture.width, picture.height}),
+          m_file(file),
+          m_directory(std::move(directory)),
+          m_picture(picture) {}
 
-FileResolution ResolutionIn(const TiffDirectory& directory) {
-    FileResolution resolution{directory.Rational(TiffTag::XResolution),
-                              directory.Rational(TiffTag::YResolution)};
-    const std::uint32_t unit = directory.Number(TiffTag::ResolutionUnit, kTiffNoUnit);
+    std::uint32_t CountPages() const override { return m_directory.CountDirectories(); }
+    FileResolution Resolution() const override;
+    std::vector<FileText> Texts() const override;
+    void RequirePixels() const override { RequireStrips(m_file, m_directory, m_picture); }
+    void ReadPixels(const RegionRows& rows, int bitsPerPixel) const override {
+        ReadStrips(m_file, m_directory, m_picture, rows, bitsPerPixel);
+    }
+
+private:
+    const ImageFileReader& m_file;
+    const TiffDirectory m_directory;
+    const TiffPicture m_picture;
+};
+
+FileResolution TiffFile::Resolution() const {
+    FileResolution resolution{m_directory.Rational(TiffTag::XResolution),
+                              m_directory.Rational(TiffTag::YResolution)};
+    const std::uint32_t unit = m_directory.Number(TiffTag::ResolutionUnit, kTiffNoUnit);
     if (unit == kTiffInch) resolution.unit = &KxUnit_inch;
     if (unit == kTiffCentimetre) resolution.unit = &KxUnit_cm;
     return resolution;
 }
 
-// The setters tell only the error slot that they found no memory.
-void SetText(KxGenericROI& region, const TiffText& text, const std::string& value) {
-    KxOk();
-    (region.*text.set)(value.c_str());
-    if (KxFailure()) throw Exception(KxGetError());
+std::vector<FileText> TiffFile::Texts() const {
+    std::vector<FileText> texts;
+    for (const TiffText& text : kTiffTexts)
+        if (auto value = m_directory.Text(text.tag)) texts.push_back({text.set, std::move(*value)});
+    return texts;
 }
 
 }  // namespace
 
-IMAGE_FILE_TYPES ReadTiff(const ImageFileReader& file, const LoadTarget& target) {
-    // Everything that may turn out wrong comes before Prepare, the first call that changes the destination.
-    const TiffDirectory directory(file);
+std::unique_ptr<InspectedFile> InspectTiff(const ImageFileReader& file) {
+    TiffDirectory directory(file);
     const TiffPicture picture = PictureOf(directory);
-    RequireFit(picture, target.Format());
-    target.RequireSize(picture.width, picture.height);
-
-    std::vector<std::pair<const TiffText*, std::string>> texts;
-    for (const TiffText& text : kTiffTexts)
-        if (auto value = directory.Text(text.tag)) texts.emplace_back(&text, std::move(*value));
-    const FileResolution resolution = ResolutionIn(directory);
-    RequireStrips(file, directory, picture);
-
-    const RegionRows rows = target.Prepare(picture.width, picture.height, resolution);
-    ReadStrips(file, directory, picture, rows, target.Format().bits);
-    for (const auto& [text, value] : texts) SetText(target.Region(), *text, value);
-    return TypeOf(picture);
+    return std::make_unique<TiffFile>(file, std::move(directory), picture);
 }
 
 }  // namespace Zelkor::Kalvo

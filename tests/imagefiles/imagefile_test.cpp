@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -231,6 +232,52 @@ TEST_F(ImageFile, CreatesTheFirstImageThatTakesTheFile) {
     EXPECT_EQ(KxGetError(), KX_ERROR_FILE_OPEN);
     EXPECT_EQ(KxGetTraceMode(), KX_TRACE_MODE_FULL_MESSAGE);
     EXPECT_TRUE(traces.Boxes().empty());
+}
+
+TEST_F(ImageFile, IsDescribedByAnImageWithoutPixels) {
+    const std::string path = folder.File("a");
+    unsigned pages = 77;
+    const auto expectDescribed = [&](const auto& image, IMAGE_FILE_TYPES fileType, KX_IMAGE_TYPES pixelType) {
+        image.Save(path.c_str(), fileType);
+        std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);  // a missing pixel
+        const std::unique_ptr<KxGenericROI> described(KxDescribeImage(path.c_str(), type, pages));
+        ASSERT_TRUE(described);
+        EXPECT_EQ(std::tuple(described->GetType(), type, pages, described->Void()),
+                  std::tuple(pixelType, static_cast<short>(fileType), 1u, 1));
+        EXPECT_EQ(described->GetExtent(), image.GetExtent());
+        float x = 0, y = 0;
+        const KxMeasurementUnit* unit = nullptr;
+        described->GetResolution(x, y, unit);
+        EXPECT_STREQ(unit->GetName(), fileType >= IMAGE_FILE_BMP_BILEVEL ? "m" : "cm");
+        EXPECT_EQ(described->GetTitle() != nullptr, fileType < IMAGE_FILE_BMP_BILEVEL);
+    };
+    const auto imageOf = []<class Pixel>(Pixel) {
+        KxImage<Pixel> image(70, 20);
+        KxMeasurementUnit unit = KxUnit_cm;
+        image.SetResolution(8, 8, &unit);
+        image.SetTitle("title");
+        return image;
+    };
+    expectDescribed(imageOf(KxBW1()), IMAGE_FILE_TIFF_BILEVEL, KX_IMAGE_BW1);
+    expectDescribed(imageOf(KxBW8()), IMAGE_FILE_TIFF_BILEVEL_PACKBITS, KX_IMAGE_BW8);
+    expectDescribed(imageOf(KxBW16()), IMAGE_FILE_TIFF_GRAY, KX_IMAGE_BW16);
+    expectDescribed(imageOf(KxBW32()), IMAGE_FILE_TIFF_GRAY, KX_IMAGE_BW32);
+    expectDescribed(imageOf(KxC24()), IMAGE_FILE_TIFF_COLOR, KX_IMAGE_C24);
+    expectDescribed(imageOf(KxC15()), IMAGE_FILE_BMP_COLOR, KX_IMAGE_C15);
+    expectDescribed(imageOf(KxC24A()), IMAGE_FILE_BMP_COLOR, KX_IMAGE_C24A);
+
+    const std::pair<Bytes, KX_ERRORS> kBad[] = {
+        {Bytes(16), KX_ERROR_BAD_FILE_FORMAT},
+        {{0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1, 0, 1}, KX_ERROR_FILE_READ},
+    };
+    for (const auto& [bytes, code] : kBad) {
+        EXPECT_EQ(KxDescribeImage(folder.Write("a", bytes).c_str(), type, pages), nullptr);
+        EXPECT_EQ(KxGetError(), code);
+    }
+    EXPECT_EQ(KxDescribeImage(Wide(folder.File("none")).c_str(), type, pages), nullptr);
+    EXPECT_EQ(KxGetError(), KX_ERROR_FILE_OPEN);
+    EXPECT_EQ(traces.Functions(),
+              (std::vector<std::string>{"KxDescribeImage", "KxDescribeImage", "KxDescribeImage ( Unicode)"}));
 }
 
 TEST_F(ImageFile, EndsWithoutMemoryForTextsOrPixels) {

@@ -6,7 +6,7 @@
 #include <tuple>
 
 #include "kalvo/frame/kxtrace.h"
-#include "kalvo/image/kximage.h"
+#include "kalvo/imagefiles/kximagefile.h"
 #include "kalvo/streams/byteorder.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/tiff_builder.h"
@@ -189,6 +189,35 @@ TEST_F(TiffRead, TellsWhichPixelsAFileNeeds) {
     // clang-format on
     for (const auto& [name, file, codes] : files)
         EXPECT_EQ((CodesFor<KxBW1, KxBW8, KxBW16, KxBW32, KxC24, KxC24A, KxC15, KxC16>(file)), codes) << name;
+}
+
+TEST_F(TiffRead, CountsItsPages) {
+    const Bytes one = Good();
+    const auto linked = [&](std::size_t offset) {
+        Bytes file = one;
+        StoreLittleEndian(&file[file.size() - 4], static_cast<std::uint32_t>(offset));
+        return file;
+    };
+    const auto withSecond = [&](std::uint8_t next) {
+        Bytes file = linked(one.size());
+        file.insert(file.end(), {0, 0, next, 0, 0, 0});  // no entries
+        return file;
+    };
+    const std::uint8_t first = one[4];
+    const std::pair<Bytes, unsigned> files[] = {
+        {one, 1},
+        {Bytes(one.begin(), one.end() - 4), 1},
+        {linked(one.size() + 1000), 1},
+        {linked(first), 1},
+        {withSecond(0), 2},
+        {withSecond(first), 2},
+    };
+    for (const auto& [file, expected] : files) {
+        short type = 0;
+        unsigned pages = 0;
+        delete KxDescribeImage(m_folder.Write("file.tif", file).c_str(), type, pages);
+        EXPECT_EQ(pages, expected) << &file - &files[0].first;
+    }
 }
 
 const std::tuple<KX_ERRORS, const char*, Bytes> kBadFiles[] = {
