@@ -102,7 +102,10 @@ Json Describe(const std::string& path, const FileContents& contents) {
     Json json;
     json["file"] = path;
     json["format"] = contents.isArchive ? "archive" : FileTypeName(contents.format);
-    if (!contents.isArchive) json["fileType"] = contents.format;
+    if (!contents.isArchive) {
+        json["fileType"] = contents.format;
+        json["pages"] = contents.pages;
+    }
     json["objects"] = Json::array();
     for (const Object& object : contents.objects) json["objects"].push_back(Describe(*object));
     return json;
@@ -120,6 +123,7 @@ std::string ToLines(const Json& file) {
     };
     text << file["file"].get<std::string>() << '\n';
     line("format", file["format"]);
+    if (file.value("pages", 1u) > 1) line("pages", ToText(file["pages"]));
     for (const Json& object : file["objects"]) {
         line(object["object"], Size(object));
         line("type", object["type"].get<std::string>() + ", " + Count(object["bitsPerPixel"], "bit") +

@@ -1,10 +1,11 @@
-// Finds the pixel type for a file by trying, and the format for a name by its extension.
+// Finds the pixel type for a file by its description, and the format for a name by its extension.
 #include "image_file.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <utility>
 
+#include "kalvo/imagefiles/kximagefile.h"
 #include "kalvo/streams/kxserializer.h"
 #include "failure.h"
 #include "pixel_types.h"
@@ -12,35 +13,23 @@
 namespace App {
 namespace {
 
-// Codes by which a reader says that the file is sound but wants another pixel type.
-bool AsksForOtherPixelType(KX_ERRORS code) {
-    return (code >= KX_ERROR_INVALID_PLANES_PER_PIXEL && code <= KX_ERROR_GRADIENT32_EXPECTED) ||
-           (code >= KX_ERROR_BILEVEL_IMAGE_EXPECTED && code <= KX_ERROR_COLOR_IMAGE_EXPECTED) ||
-           code == KX_ERROR_UNSUPPORTED_IMAGE_TYPE || code == KX_ERROR_UNSUPPORTED_BMP;
-}
-
-// Four bytes of a BMP pixel are a colour with opacity; KxBW32 would take them as one number.
-template <class Pixel>
-bool IsNaturalFor(IMAGE_FILE_TYPES format) {
-    return !std::is_same_v<Pixel, KxBW32> || format != IMAGE_FILE_BMP_COLOR;
+FileContents DescribeImageFile(const std::string& path) {
+    FileContents contents;
+    short format = IMAGE_FILE_RESERVED;
+    contents.objects.emplace_back(
+        Checked([&] { return KxDescribeImage(path.c_str(), format, contents.pages); }));
+    contents.format = static_cast<IMAGE_FILE_TYPES>(format);
+    return contents;
 }
 
 FileContents LoadImageFile(const std::string& path) {
-    FileContents contents{.isArchive = false, .format = IMAGE_FILE_RESERVED, .objects = {}};
-    KX_ERRORS refusal = KX_ERROR_BAD_FILE_FORMAT;
-    ForFirstPixel<FilePixels>([&]<class Pixel>(std::type_identity<Pixel>) {
-        KxOk();
+    FileContents contents = DescribeImageFile(path);
+    Object& object = contents.objects.front();
+    ForPixel<FilePixels>(object->GetType(), [&]<class Pixel>(std::type_identity<Pixel>) {
         auto image = std::make_unique<KxImage<Pixel>>();
-        contents.format = image->Load(path.c_str());
-        if (KxFailure()) {
-            refusal = KxGetError();
-            return !AsksForOtherPixelType(refusal);
-        }
-        if (!IsNaturalFor<Pixel>(contents.format)) return false;
-        contents.objects.push_back(std::move(image));
-        return true;
+        Checked([&] { image->Load(path.c_str()); });
+        object = std::move(image);
     });
-    if (contents.objects.empty()) throw Failure::Of(refusal);
     return contents;
 }
 
@@ -58,7 +47,7 @@ Object MakeObject(KxSerializer::ObjectType type) {
 }
 
 FileContents LoadArchive(KxSerializer& stream) {
-    FileContents contents{.isArchive = true, .format = IMAGE_FILE_RESERVED, .objects = {}};
+    FileContents contents{.isArchive = true};
     while (const auto type = Checked([&] { return stream.GetNextObjectType(); })) {
         Object object = MakeObject(type);
         Checked([&] { object->Load(&stream); });
@@ -74,14 +63,18 @@ bool HasArchiveExtension(const std::string& path) {
     return extension == ".kxa";
 }
 
+// No image file begins with the signature of an archive.
+FileContents ReadFile(const std::string& path, FileContents (*readImageFile)(const std::string&)) {
+    const std::unique_ptr<KxSerializer> stream(Checked([&] { return KxSerializer::CreateFileReader(path); }));
+    const bool isArchive = stream->GetNextObjectType() > KxSerializer::NoObject;
+    return isArchive ? LoadArchive(*stream) : readImageFile(path);
+}
+
 }  // namespace
 
-FileContents LoadFile(const std::string& path) {
-    const std::unique_ptr<KxSerializer> stream(Checked([&] { return KxSerializer::CreateFileReader(path); }));
-    // No image file begins with the signature of an archive.
-    if (stream->GetNextObjectType() > KxSerializer::NoObject) return LoadArchive(*stream);
-    return LoadImageFile(path);
-}
+FileContents LoadFile(const std::string& path) { return ReadFile(path, LoadImageFile); }
+
+FileContents DescribeFile(const std::string& path) { return ReadFile(path, DescribeImageFile); }
 
 Object LoadImage(const std::string& path) {
     Object image = std::move(LoadFile(path).objects.front());

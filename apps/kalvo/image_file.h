@@ -13,13 +13,16 @@ using Object = std::unique_ptr<KxGenericROI>;
 
 /// What a file holds: one image, or all objects of an archive.
 struct FileContents {
-    bool isArchive;
-    IMAGE_FILE_TYPES format;  ///< of an image file
-    std::vector<Object> objects;
+    bool isArchive = false;
+    IMAGE_FILE_TYPES format = IMAGE_FILE_RESERVED;  ///< of an image file
+    unsigned pages = 1;                             ///< of an image file, of which the first is read
+    std::vector<Object> objects = {};
 };
 
 /// Loads whatever stands in the file.
 FileContents LoadFile(const std::string& path);
+/// The same, but the image of an image file has no pixels: they are not read.
+FileContents DescribeFile(const std::string& path);
 
 /// Loads the image of an image file, or the first object of an archive, which must be an image too.
 Object LoadImage(const std::string& path);

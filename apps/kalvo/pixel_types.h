@@ -11,8 +11,7 @@
 
 namespace App {
 
-/// The pixel types that the program converts, loads and saves; the order in which loading tries them. The
-/// 32-bit BMP files that `KxBW32` takes too are left to `KxC24A`, see `LoadImageFile`.
+/// The pixel types that the program converts, loads and saves.
 using FilePixels = std::tuple<KxBW1, KxBW8, KxBW16, KxBW32, KxC24, KxC24A, KxC15, KxC16>;
 
 /// Calls `operation(std::type_identity<Pixel>())` for every pixel type of the tuple until one returns true;

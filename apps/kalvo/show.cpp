@@ -42,7 +42,7 @@ std::string ToTrees(const Json& file) {
 
 }  // namespace
 
-int RunInfo(const ShowOptions& options) { return Show(options, LoadFile, ToLines); }
+int RunInfo(const ShowOptions& options) { return Show(options, DescribeFile, ToLines); }
 
 int RunArchive(const ShowOptions& options) { return Show(options, LoadArchiveFile, ToTrees); }
 
