@@ -20,7 +20,8 @@ using Calls = std::vector<std::string>;
 
 template <class Vector>
 Vector Make(std::initializer_list<long> values, int isUnsigned) {
-    Vector vector(0, isUnsigned);
+    Vector vector;
+    vector.SetUnsigned(isUnsigned);
     for (const long value : values)
         vector.AddElement(
             static_cast<std::remove_pointer_t<decltype(vector.GetDataPtr())>::ValueType>(value));

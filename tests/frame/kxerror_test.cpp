@@ -1,17 +1,15 @@
 // The error slot, the texts of its codes, and how exceptions end in it.
 #include "kalvo/frame/kxerror.h"
 
-#include <gtest/gtest.h>
-
 #include <new>
 #include <thread>
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/checkedsize.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
-namespace Zelkor::Kalvo {
+namespace Zelkor::Kalvo::Testing {
 namespace {
 
 TEST(ErrorSlot, CountsFailuresFrom1000Up) {
@@ -34,7 +32,7 @@ TEST(ErrorText, NamesUnknownCodesAs16BitNumbers) {
         const char* narrow = KxGetErrorText();
         std::thread([] { KxGetErrorText(KX_ERRORS{1211}); }).join();  // has a text of its own
         EXPECT_STREQ(narrow, text);
-        EXPECT_EQ(KxGetErrorTextUnicode(), Testing::Wide(text));
+        EXPECT_EQ(KxGetErrorTextUnicode(), Wide(text));
     }
 }
 
@@ -47,11 +45,11 @@ TEST(Boundary, TurnsExceptionsIntoCodesAndTraces) {
         {[] { CheckedSize(UINT64_MAX, UINT64_MAX, KX_ERROR_ALLOCATION); }, KX_ERROR_ALLOCATION},
     };
     for (const auto& [operation, code] : kOperations) {
-        const Testing::TraceRecorder traces;
+        const TraceRecorder traces;
         AtBoundary("KxThing::Do", operation, KX_ERROR_ARCHIVE_ACCESS);
         EXPECT_EQ(KxGetError(), code);
         AtBoundary(nullptr, operation);  // without a name nothing is traced
-        EXPECT_EQ(traces.Functions(), std::vector<std::string>{"KxThing::Do"});
+        EXPECT_EQ(traces.Functions(), Names{"KxThing::Do"});
     }
     KxSetError(KX_WARNING_IMAGE_LIMITS_REACHED);
     EXPECT_EQ(AtBoundary("KxThing::Do", [] { return 7; }), 7);
@@ -60,4 +58,4 @@ TEST(Boundary, TurnsExceptionsIntoCodesAndTraces) {
 }
 
 }  // namespace
-}  // namespace Zelkor::Kalvo
+}  // namespace Zelkor::Kalvo::Testing

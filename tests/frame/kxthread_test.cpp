@@ -1,26 +1,16 @@
 // The per-thread record from first use to thread end, the library's life cycle, and its settings.
 #include "kalvo/frame/kxthread.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <new>
 #include <thread>
 
 #include "kalvo/frame/kxlibrary.h"
+#include "kalvo/frame/thread_slot.h"
+#include "tests/support/short_memory.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
-namespace {
-bool memoryIsShort = false;
-}
-
-// Records come from here.
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-    return memoryIsShort ? nullptr : ::operator new(bytes);
-}
-
-namespace Zelkor::Kalvo {
+namespace Zelkor::Kalvo::Testing {
 namespace {
 
 void ExpectFreshRecord(const OzzoTLSStruct& record) {
@@ -44,8 +34,6 @@ void ChangeEverything() {
     KxSetTiffThreshold(300);
     KxSetTiffStripSize(0);
 }
-
-enum Reason : unsigned long { kProcessDetach, kProcessAttach, kThreadAttach, kThreadDetach };
 
 TEST(ThreadRecord, StartsFreshWhateverOtherThreadsHold) {
     std::thread([] {
@@ -77,11 +65,12 @@ TEST(ThreadRecord, StartsWithTheFailureThatFoundNoMemoryForIt) {
     const auto failureAfter = [](auto operation) {
         KX_ERRORS failure = KX_OK;
         std::thread([&] {
-            memoryIsShort = true;
-            operation();
-            EXPECT_EQ(KxGetTLSPtr(), nullptr);
-            EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_TRACE);
-            memoryIsShort = false;
+            {
+                const ShortMemory shortage;
+                operation();
+                EXPECT_EQ(KxGetTLSPtr(), nullptr);
+                EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_TRACE);
+            }
             failure = KxGetError();
             KxOk();
             ExpectFreshRecord(*KxGetTLSPtr());
@@ -101,7 +90,7 @@ TEST(Library, WorksAgainAfterItWasDetached) {
     EXPECT_EQ(KxGetError(), KX_ERROR_ALLOCATION) << "it is attached already";
 
     for (int i = 0; i < 2; ++i) EXPECT_EQ(DllMain(nullptr, kProcessDetach, nullptr), 1);
-    const Testing::TraceRecorder traces;
+    const TraceRecorder traces;
     EXPECT_EQ(KxGetTLSPtr(), nullptr);
     ChangeEverything();
     EXPECT_EQ(KxGetError(), KX_ERROR_CANNOT_TRACE);
@@ -125,7 +114,7 @@ TEST(Library, WorksAgainAfterItWasDetached) {
 
 TEST(Library, TellsItsVersion) {
     EXPECT_STREQ(KxGetVersion(), "6.7.1.0");
-    EXPECT_EQ(KxGetVersionUnicode(), Testing::Wide("6.7.1.0"));
+    EXPECT_EQ(KxGetVersionUnicode(), Wide("6.7.1.0"));
 }
 
 TEST(Library, HoldsProcessWideSettings) {
@@ -140,4 +129,4 @@ TEST(Library, HoldsProcessWideSettings) {
 }
 
 }  // namespace
-}  // namespace Zelkor::Kalvo
+}  // namespace Zelkor::Kalvo::Testing

@@ -1,14 +1,11 @@
 // When the trace functions show a box, and what it says.
 #include "kalvo/frame/kxtrace.h"
 
-#include <gtest/gtest.h>
-
 #include <tuple>
 
-#include "kalvo/frame/kxerror.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
-namespace Zelkor::Kalvo {
+namespace Zelkor::Kalvo::Testing {
 namespace {
 
 class Trace : public testing::Test {
@@ -18,7 +15,7 @@ protected:
         KxSetTraceMode(KX_TRACE_MODE_MESSAGE);
         KxOk();
     }
-    Testing::TraceRecorder traces;
+    TraceRecorder traces;
 };
 
 TEST_F(Trace, ShowsFunctionOrSourceAndText) {
@@ -39,14 +36,26 @@ TEST_F(Trace, ShowsFunctionOrSourceAndText) {
 }
 
 TEST_F(Trace, ShowsFailuresAsTheModeSays) {
+    constexpr int kMessage = KX_TRACE_MODE_MESSAGE, kSilent = KX_TRACE_MODE_SILENT,
+                  kFull = KX_TRACE_MODE_FULL_MESSAGE, kCaller = KX_TRACE_MODE_CALLER_TRACE;
+    constexpr int kWarning = 999, kFailure = 1000;
     // Mode and code; boxes of the short form; boxes of the full form, and the mode it leaves.
     const std::tuple<int, int, unsigned, unsigned, int> kCases[] = {
-        {0, 1000, 1, 0, 0}, {0, 999, 0, 0, 0},  {0, -1, 0, 0, 0},   {1, 1000, 0, 0, 1},
-        {2, 1000, 1, 0, 2}, {3, 1000, 0, 0, 3}, {4, 1000, 0, 0, 0}, {5, 1000, 0, 0, 1},
-        {6, 1000, 0, 1, 2}, {7, 1000, 0, 0, 3}, {6, 999, 0, 0, 6},  {256, 1000, 0, 0, 256},
+        {kMessage, kFailure, 1, 0, kMessage},
+        {kMessage, kWarning, 0, 0, kMessage},
+        {kMessage, -1, 0, 0, kMessage},
+        {kSilent, kFailure, 0, 0, kSilent},
+        {kFull, kFailure, 1, 0, kFull},
+        {3, kFailure, 0, 0, 3},
+        {kMessage + kCaller, kFailure, 0, 0, kMessage},
+        {kSilent + kCaller, kFailure, 0, 0, kSilent},
+        {kFull + kCaller, kFailure, 0, 1, kFull},
+        {kFull + kCaller, kWarning, 0, 0, kFull + kCaller},
+        {3 + kCaller, kFailure, 0, 0, 3},
+        {256, kFailure, 0, 0, 256},
     };
     for (const auto& [mode, code, boxes, fullBoxes, modeAfter] : kCases) {
-        const Testing::TraceRecorder recorder;
+        const TraceRecorder recorder;
         KxSetTraceMode(KX_TRACE_MODE{mode});
         KxSetError(KX_ERRORS{code});
         EXPECT_EQ(KxTraceError("f"), code);
@@ -55,6 +64,11 @@ TEST_F(Trace, ShowsFailuresAsTheModeSays) {
         EXPECT_EQ(recorder.Boxes().size(), boxes + fullBoxes) << mode;
         EXPECT_EQ(KxGetTraceMode(), modeAfter) << mode;
     }
+}
+
+TEST_F(Trace, IsSilencedByName) {
+    TraceSilent();
+    EXPECT_EQ(KxGetTraceMode(), KX_TRACE_MODE_SILENT);
 }
 
 TEST_F(Trace, WithoutAHandlerGoesToStandardErrorInOneLine) {
@@ -67,4 +81,4 @@ TEST_F(Trace, WithoutAHandlerGoesToStandardErrorInOneLine) {
 }
 
 }  // namespace
-}  // namespace Zelkor::Kalvo
+}  // namespace Zelkor::Kalvo::Testing

@@ -3,19 +3,13 @@
 
 #include <string>
 #include <tuple>
-#include <vector>
 
-#include <gtest/gtest.h>
-
-#include "kalvo/frame/kxerror.h"
 #include "tests/support/archive_builder.h"
 #include "tests/support/streams.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
-namespace Zelkor::Kalvo {
+namespace Zelkor::Kalvo::Testing {
 namespace {
-
-using namespace Testing;
 
 TEST(KxDimensionalValue, ConvertsOnlyWhenAskedTo) {
     KxDimensionalValue value;
@@ -73,8 +67,8 @@ TEST(KxDimensionalValue, ReadsEveryVersionOfTheRecordOrKeepsItsUnit) {
         EXPECT_STREQ(value.GetUnit()->GetName(), name) << version;
         EXPECT_EQ(reader->IsEOS(), error == KX_OK) << version;
     }
-    EXPECT_EQ(trace.Functions(), std::vector<std::string>{"KxDimensionalValue::Serialize"});
+    EXPECT_EQ(trace.Functions(), Names{"KxDimensionalValue::Serialize"});
 }
 
 }  // namespace
-}  // namespace Zelkor::Kalvo
+}  // namespace Zelkor::Kalvo::Testing

@@ -1,29 +1,18 @@
 // The ring of samples and its statistics, the stopwatch, and the steps of a search.
 #include "kalvo/measure/kxstatistics.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
-#include <new>
 
 #include "kalvo/base/clock.h"
 #include "kalvo/frame/kxthread.h"
 #include "kalvo/measure/kxangle.h"
 #include "kalvo/measure/kxsearchsteps.h"
 #include "kalvo/measure/kxstopwatch.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/short_memory.h"
+#include "tests/support/test.h"
 
-namespace {
-bool memoryIsShort = false;
-}
-
-// Samples come from here.
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return memoryIsShort ? nullptr : ::operator new[](bytes);
-}
-
-namespace Zelkor::Kalvo {
+namespace Zelkor::Kalvo::Testing {
 namespace {
 
 TEST(Statistics, CoverTheLastSamplesOnly) {
@@ -51,15 +40,12 @@ TEST(Statistics, SumInTheOrderOfTheRingAndPassOverNan) {
 
 TEST(Statistics, IgnoreSamplesWithoutRoom) {
     KxStatistics statistics(2);
-    const Testing::TraceRecorder traces;
-    memoryIsShort = true;
-    statistics.Reset(7);
-    memoryIsShort = false;
-    EXPECT_EQ(KxGetError(), KX_ERROR_ALLOCATION);
-    EXPECT_EQ(traces.Functions(), std::vector<std::string>{"KxStatistics::Reset"});
+    ExpectFailure(KX_ERROR_ALLOCATION, {"KxStatistics::Reset"}, [&] {
+        const ShortMemory shortage;
+        statistics.Reset(7);
+    });
     statistics.NewElement(1);
     EXPECT_EQ(statistics.Count() + statistics.Minimum() + statistics.Maximum(), 0);
-    KxOk();
 }
 
 TEST(Stopwatch, ReadsTheTimeOfDayUntilTheCounterIsStarted) {
@@ -117,16 +103,15 @@ TEST(SearchSteps, ClampRangesAndRefuseEmptyPatterns) {
     EXPECT_EQ(huge.skewSteps & huge.scaleSteps, 0x80000000u);
     EXPECT_EQ(hostile.skewSteps, 1u);
     EXPECT_EQ(hostile.scaleSteps, 0x80000001u);
-    const Testing::TraceRecorder traces;
-    for (const auto& [width, height, code] : {std::tuple{0, 0, KX_ERROR_PARAMETER_1_OUT_OF_RANGE},
-                                              std::tuple{1, INT_MIN, KX_ERROR_PARAMETER_2_OUT_OF_RANGE}}) {
-        const Search refused(width, height, 1, 1, 1);
-        EXPECT_EQ(KxGetError(), code);
-        EXPECT_EQ(refused.skewStep + refused.scaleStep + refused.skewSteps + refused.scaleSteps, 4 * 99);
-        EXPECT_EQ(traces.Functions().back(), "KxSkewScaleSteps");
-    }
-    KxOk();
+    const auto expectRefusal = [](int width, int height, KX_ERRORS code) {
+        ExpectFailure(code, {"KxSkewScaleSteps"}, [&] {
+            const Search refused(width, height, 1, 1, 1);
+            EXPECT_EQ(refused.skewStep + refused.scaleStep + refused.skewSteps + refused.scaleSteps, 4 * 99);
+        });
+    };
+    expectRefusal(0, 0, KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
+    expectRefusal(1, INT_MIN, KX_ERROR_PARAMETER_2_OUT_OF_RANGE);
 }
 
 }  // namespace
-}  // namespace Zelkor::Kalvo
+}  // namespace Zelkor::Kalvo::Testing

@@ -1,26 +1,14 @@
 // The typed vector: capacity rules, access to elements, failures.
 #include "kalvo/vectors/kxvector.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <memory>
-#include <new>
 #include <vector>
 
-#include "kalvo/frame/kxerror.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/short_memory.h"
+#include "tests/support/test.h"
 
-namespace {
-bool memoryIsShort = false;
-}
-
-// The buffers of vectors come from here.
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return memoryIsShort ? nullptr : ::operator new[](bytes);
-}
-
-namespace Zelkor::Kalvo {
+namespace Zelkor::Kalvo::Testing {
 namespace {
 
 using Integers = KxVectorTemplate<unsigned int>;
@@ -34,15 +22,6 @@ Integers Make(const Values& values) {
 
 Values ValuesOf(const Integers& vector) {
     return {vector.GetDataPtr(), vector.GetDataPtr() + vector.GetNumElements()};
-}
-
-template <class Operation>
-void ExpectFailure(KX_ERRORS code, const std::vector<std::string>& functions, Operation operation) {
-    const Testing::TraceRecorder traces;
-    KxOk();
-    operation();
-    EXPECT_EQ(KxGetError(), code);
-    EXPECT_EQ(traces.Functions(), functions);
 }
 
 template <class T>
@@ -132,11 +111,10 @@ TEST(Vector, CopiesIntoExactlyAsMuchCapacity) {
 TEST(Vector, KeepsItsContentWhenMemoryIsShort) {
     Integers vector = Make({1, 2});
     const Integers source = Make({3, 4, 5});
-    memoryIsShort = true;
+    const ShortMemory shortage;
     ExpectFailure(KX_ERROR_ALLOCATION, {"KxVector::SetMaxElements", "KxVector::AddElement"},
                   [&] { vector.AddElement(9); });
     ExpectFailure(KX_ERROR_ALLOCATION, {"KxVector::SetMaxElements"}, [&] { vector = source; });
-    memoryIsShort = false;
     EXPECT_EQ(ValuesOf(vector), (Values{1, 2}));
     EXPECT_EQ(vector.GetMaxElements(), 2u);
 }
@@ -159,4 +137,4 @@ TEST(Vector, SiftsDownAHeap) {
 }
 
 }  // namespace
-}  // namespace Zelkor::Kalvo
+}  // namespace Zelkor::Kalvo::Testing

@@ -1,20 +1,17 @@
 // Vector files byte by byte, and what becomes of bad ones.
 #include "kalvo/vectors/vectorfile.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <thread>
 #include <tuple>
 
-#include "kalvo/frame/kxerror.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
-namespace Zelkor::Kalvo {
+namespace Zelkor::Kalvo::Testing {
 namespace {
 
-using namespace Testing;
 using Grays = KxVectorTemplate<KxBW8>;
 constexpr unsigned kMiB = 1 << 20;
 
@@ -174,4 +171,4 @@ TEST_F(VectorFile, ReportsWhereSavingAndLoadingFail) {
 }
 
 }  // namespace
-}  // namespace Zelkor::Kalvo
+}  // namespace Zelkor::Kalvo::Testing
