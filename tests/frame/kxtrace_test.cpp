@@ -48,10 +48,8 @@ TEST_F(Trace, ShowsFailuresAsTheModeSays) {
         {kFull, kFailure, 1, 0, kFull},
         {3, kFailure, 0, 0, 3},
         {kMessage + kCaller, kFailure, 0, 0, kMessage},
-        {kSilent + kCaller, kFailure, 0, 0, kSilent},
         {kFull + kCaller, kFailure, 0, 1, kFull},
         {kFull + kCaller, kWarning, 0, 0, kFull + kCaller},
-        {3 + kCaller, kFailure, 0, 0, 3},
         {256, kFailure, 0, 0, 256},
     };
     for (const auto& [mode, code, boxes, fullBoxes, modeAfter] : kCases) {
