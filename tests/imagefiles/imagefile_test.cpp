@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <new>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -15,27 +14,9 @@
 #include "kalvo/frame/kxtrace.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
+#include "tests/support/short_memory.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/trace_recorder.h"
-
-namespace {
-
-// While it lives, pixels and texts of so many bytes or more find no memory.
-class ShortMemory {
-public:
-    explicit ShortMemory(std::size_t bytes) { refusedBytes = bytes; }
-    ~ShortMemory() { refusedBytes = SIZE_MAX; }
-    static bool Refuses(std::size_t bytes) { return bytes >= refusedBytes; }
-
-private:
-    inline static std::size_t refusedBytes = SIZE_MAX;
-};
-
-}  // namespace
-
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return ShortMemory::Refuses(bytes) ? nullptr : ::operator new[](bytes);
-}
 
 namespace Zelkor::Kalvo {
 namespace {
