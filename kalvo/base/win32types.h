@@ -104,7 +104,7 @@ struct BITMAP {
     LONG bmWidthBytes;  ///< from one row to the next
     WORD bmPlanes;      ///< 1
     WORD bmBitsPixel;
-    void* bmBits;  ///< the lowest address of the pixels
+    void* bmBits;  ///< the lowest address of a section's pixels, null for other bitmaps
 };
 
 /// What a pen is made of. The width is in `lopnWidth.x`.
@@ -139,6 +139,30 @@ struct LOGFONTA {
     char lfFaceName[32];
 };
 
+/// What a font turned out to be, in pixels.
+struct TEXTMETRICA {
+    LONG tmHeight;  ///< tmAscent + tmDescent
+    LONG tmAscent;
+    LONG tmDescent;
+    LONG tmInternalLeading;  ///< what of the height is above the em square
+    LONG tmExternalLeading;  ///< what should stay free between lines
+    LONG tmAveCharWidth;
+    LONG tmMaxCharWidth;
+    LONG tmWeight;    ///< FW_NORMAL or FW_BOLD
+    LONG tmOverhang;  ///< 0
+    LONG tmDigitizedAspectX;
+    LONG tmDigitizedAspectY;
+    BYTE tmFirstChar;
+    BYTE tmLastChar;
+    BYTE tmDefaultChar;
+    BYTE tmBreakChar;
+    BYTE tmItalic;
+    BYTE tmUnderlined;
+    BYTE tmStruckOut;
+    BYTE tmPitchAndFamily;  ///< a family, and a sum of TMPF_ values
+    BYTE tmCharSet;         ///< what was asked for
+};
+
 /// One entry of a logical palette.
 struct PALETTEENTRY {
     BYTE peRed;
@@ -159,7 +183,7 @@ struct BLENDFUNCTION {
     BYTE BlendOp;     ///< AC_SRC_OVER
     BYTE BlendFlags;  ///< 0
     BYTE SourceConstantAlpha;
-    BYTE AlphaFormat;  ///< 0: no alpha in the pixels
+    BYTE AlphaFormat;  ///< 0, or AC_SRC_ALPHA: the pixels have alpha of their own
 };
 
 /// A date and a time of day, to the millisecond.

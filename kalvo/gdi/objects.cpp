@@ -198,22 +198,3 @@ HPEN CreatePen(int n32Style, int n32Width, COLORREF color) {
 HBRUSH CreateSolidBrush(COLORREF color) {
     return Make<HBRUSH, Brush>(LOGBRUSH{BS_SOLID, color & 0xFFFFFF, 0});
 }
-
-HFONT CreateFontA(int n32Height, int n32Width, int n32Escapement, int n32Orientation, int n32Weight,
-                  DWORD un32Italic, DWORD un32Underline, DWORD un32StrikeOut, DWORD un32CharSet,
-                  DWORD un32OutPrecision, DWORD un32ClipPrecision, DWORD un32Quality,
-                  DWORD un32PitchAndFamily, const char* pszFaceName) {
-    LOGFONTA font = MakeLogFont(n32Height, n32Weight, pszFaceName ? pszFaceName : "");
-    font.lfWidth = n32Width;
-    font.lfEscapement = n32Escapement;
-    font.lfOrientation = n32Orientation;
-    font.lfItalic = un32Italic != 0;
-    font.lfUnderline = un32Underline != 0;
-    font.lfStrikeOut = un32StrikeOut != 0;
-    font.lfCharSet = static_cast<BYTE>(un32CharSet);
-    font.lfOutPrecision = static_cast<BYTE>(un32OutPrecision);
-    font.lfClipPrecision = static_cast<BYTE>(un32ClipPrecision);
-    font.lfQuality = static_cast<BYTE>(un32Quality);
-    font.lfPitchAndFamily = static_cast<BYTE>(un32PitchAndFamily);
-    return Make<HFONT, Font>(font);
-}

@@ -1,184 +1,84 @@
-// Texts: bytes to characters, lines placed and measured, glyphs drawn.
+// Texts: lines placed by a point or a rectangle, and measured.
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <string_view>
 
 #include "kalvo/gdi/objects.h"
-#include "kalvo/raster/glyphs.h"
-#include "kalvo/raster/lines.h"
-#include "kalvo/raster/pixelaccess.h"
+#include "kalvo/raster/textline.h"
 
 namespace Zelkor::Platform {
 namespace {
-
-// Characters
-
-// How many bytes a UTF-8 sequence has after a first byte, and the least character it may stand for.
-struct SequenceForm {
-    std::size_t following;
-    char32_t least;
-    char32_t firstBits;
-};
-
-constexpr SequenceForm FormOf(unsigned char first) {
-    if (first >= 0xC0 && first < 0xE0) return {1, 0x80, first & 0x1Fu};
-    if (first >= 0xE0 && first < 0xF0) return {2, 0x800, first & 0x0Fu};
-    if (first >= 0xF0 && first < 0xF8) return {3, 0x10000, first & 0x07u};
-    return {0, 0, first};
-}
-
-// Takes the first character off a text. A byte that begins no sequence stands for its own number.
-char32_t TakeCharacter(std::string_view& text) {
-    const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-    const unsigned char first = byteAt(0);
-    const SequenceForm form = FormOf(first);
-    char32_t character = form.firstBits;
-    bool isSequence = form.following < text.size();
-    for (std::size_t i = 1; isSequence && i <= form.following; ++i) {
-        isSequence = (byteAt(i) & 0xC0) == 0x80;
-        character = character << 6 | (byteAt(i) & 0x3F);
-    }
-    const bool isSurrogate = character >= 0xD800 && character < 0xE000;
-    isSequence = isSequence && character >= form.least && character <= 0x10FFFF && !isSurrogate;
-    text.remove_prefix(isSequence ? form.following + 1 : 1);
-    return isSequence ? character : first;
-}
-
-// Calls visit(glyph) for each character that has one; control characters have none.
-template <class Visit>
-void ForEachGlyph(SizedFace& face, std::string_view text, Visit&& visit) {
-    Glyph spare;
-    while (!text.empty()) {
-        const char32_t character = TakeCharacter(text);
-        if (character >= 32) visit(face.Find(character, spare));
-    }
-}
-
-std::int64_t WidthOf(SizedFace& face, std::string_view text) {
-    std::int64_t width = 0;
-    ForEachGlyph(face, text, [&](const Glyph& glyph) { width += glyph.advance; });
-    return width;
-}
-
-// Drawing
-
-// Draws at a place where all of the glyph is on the surface.
-void StoreGlyph(const Surface& surface, const Glyph& glyph, int penX, int baseline, RawPixel pixel) {
-    WithPixels(surface.layout, [&]<class Access>(Access) {
-        for (const GlyphRun& run : glyph.runs) {
-            std::uint8_t* row = surface.Row(baseline + run.y);
-            for (int x = run.x0; x < run.x1; ++x) Access::Store(row, penX + x, pixel);
-        }
-    });
-}
-
-// Draws text in one colour within a part of the surface.
-class TextPainter {
-public:
-    TextPainter(const Context& context, const Box& clip)
-        : m_surface(context.Target()),
-          m_clip(Intersection(clip, VisibleBox(m_surface))),
-          m_font(context.font->logical),
-          m_isOpaque(context.backgroundMode == OPAQUE),
-          m_text(RawOf(context.textColor)),
-          m_background(m_isOpaque ? RawOf(context.backgroundColor) : 0) {}
-
-    // Draws a line whose top left corner is at (left, top).
-    void DrawLine(SizedFace& face, std::string_view line, std::int64_t left, std::int64_t top,
-                  std::int64_t width) const {
-        if (m_clip.IsEmpty()) return;
-        if (m_isOpaque) Paint({left, top, left + width, top + face.LineHeight()}, m_background);
-        std::int64_t penX = left;
-        ForEachGlyph(face, line, [&](const Glyph& glyph) {
-            DrawGlyph(glyph, penX, top + face.Baseline());
-            penX += glyph.advance;
-        });
-        const auto drawRule = [&](int y) {
-            Paint({left, top + y, penX, top + y + face.RuleThickness()}, m_text);
-        };
-        if (m_font.lfUnderline) drawRule(face.Underline());
-        if (m_font.lfStrikeOut) drawRule(face.StrikeOut());
-    }
-
-private:
-    RawPixel RawOf(COLORREF color) const { return RawFromBgr(m_surface, BgrFromColor(color)); }
-
-    void Paint(const Box& box, RawPixel pixel) const {
-        PaintBox(m_surface, Intersection(box, m_clip), pixel);
-    }
-
-    void DrawGlyph(const Glyph& glyph, std::int64_t penX, std::int64_t baseline) const {
-        const Box place{penX + glyph.left, baseline + glyph.top, penX + glyph.right, baseline + glyph.bottom};
-        const Box visible = Intersection(place, m_clip);
-        if (visible.IsEmpty()) return;
-        if (visible == place && IsClippedByBox(m_surface))
-            return StoreGlyph(m_surface, glyph, static_cast<int>(penX), static_cast<int>(baseline), m_text);
-        for (const GlyphRun& run : glyph.runs)
-            Paint({penX + run.x0, baseline + run.y, penX + run.x1, baseline + run.y + 1}, m_text);
-    }
-
-    const Surface m_surface;
-    const Box m_clip;
-    const LOGFONTA& m_font;
-    const bool m_isOpaque;
-    const RawPixel m_text;
-    const RawPixel m_background;
-};
-
-constexpr Box kEverywhere{std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::min(),
-                          std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::max()};
 
 LONG ToLong(std::int64_t value) {
     using Limits = std::numeric_limits<LONG>;
     return static_cast<LONG>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
 }
 
+TextInk InkOf(const Context& context, const Surface& surface) {
+    const auto pixelOf = [&](COLORREF color) { return RawFromBgr(surface, BgrFromColor(color)); };
+    const LOGFONTA& font = context.font->logical;
+    TextInk ink{.letters = pixelOf(context.textColor),
+                .isUnderlined = font.lfUnderline != 0,
+                .isStruckOut = font.lfStrikeOut != 0};
+    if (context.backgroundMode == OPAQUE) ink.background = pixelOf(context.backgroundColor);
+    return ink;
+}
+
+// Lets a surface be drawn on inside a box alone. `clip` keeps what that means.
+void ClipToBox(Surface& surface, const Box& box, Region& clip) {
+    clip = Region(Intersection(box, VisibleBox(surface)));
+    if (surface.clip) clip = Combination(clip, *surface.clip, SetOperation::And);
+    surface.clip = &clip;
+}
+
 // One line at a place
 
-// Where a line begins that is placed by its left edge, its right edge or its middle.
-std::int64_t LeftOf(std::int64_t x, std::int64_t width, UINT align) {
+// Where a line begins, seen from the point that its left edge, its right edge or its middle is placed at.
+std::int64_t LeftOf(std::int64_t width, UINT align) {
     switch (align & TA_CENTER) {
     case TA_CENTER:
-        return x - width / 2;
+        return -(width / 2);
     case TA_RIGHT:
-        return x - width;
+        return -width;
     default:
-        return x;
+        return 0;
     }
 }
 
-std::int64_t TopOf(std::int64_t y, const SizedFace& face, UINT align) {
+std::int64_t TopOf(const SizedFace& face, UINT align) {
     switch (align & TA_BASELINE) {
     case TA_BASELINE:
-        return y - face.Baseline();
+        return -face.Baseline();
     case TA_BOTTOM:
-        return y - face.LineHeight();
+        return -face.LineHeight();
     default:
-        return y;
+        return 0;
     }
 }
 
 // Behind the text; before it when it ends at the position; a centred text leaves the position alone.
-std::int64_t MovedPosition(std::int64_t x, std::int64_t width, UINT align) {
+std::int64_t MoveAlong(std::int64_t width, UINT align) {
     switch (align & TA_CENTER) {
     case TA_CENTER:
-        return x;
+        return 0;
     case TA_RIGHT:
-        return x - width;
+        return -width;
     default:
-        return x + width;
+        return width;
     }
 }
 
-void PlaceText(Context& context, SizedFace& face, POINT place, std::string_view text) {
+void PlaceText(Context& context, const Surface& surface, POINT place, const TextLine& line) {
+    const auto face = FindFace(context.font->logical);
+    if (!face) return;
     const UINT align = context.textAlign;
-    const POINT reference = align & TA_UPDATECP ? context.position : place;
-    const std::int64_t width = WidthOf(face, text);
-    const auto [x, y] = context.Placed(reference);
-    TextPainter(context, kEverywhere)
-        .DrawLine(face, text, LeftOf(x, width, align), TopOf(y, face, align), width);
-    if (align & TA_UPDATECP) context.position.x = ToLong(MovedPosition(reference.x, width, align));
+    POINT& position = context.position;
+    const std::int64_t width = WidthOf(*face, line);
+    DrawTextLine(surface, *face, line, context.Placed(align & TA_UPDATECP ? position : place),
+                 {LeftOf(width, align), TopOf(*face, align)}, InkOf(context, surface));
+    if (!(align & TA_UPDATECP)) return;
+    const Position moved = face->Direction().Offset({MoveAlong(width, align), 0});
+    position = {ToLong(position.x + moved.x), ToLong(position.y + moved.y)};
 }
 
 // Lines in a rectangle
@@ -199,7 +99,7 @@ void ForEachLine(std::string_view text, UINT format, Visit&& visit) {
 SIZE MeasureLines(SizedFace& face, std::string_view text, UINT format) {
     std::int64_t width = 0, height = 0;
     ForEachLine(text, format, [&](std::string_view line) {
-        width = std::max(width, WidthOf(face, line));
+        width = std::max(width, WidthOf(face, {line}));
         height += face.LineHeight();
     });
     return {ToLong(width), ToLong(height)};
@@ -210,24 +110,24 @@ std::int64_t OffsetInside(std::int64_t room, std::int64_t size, bool isMiddle, b
     return isEnd ? room - size : 0;
 }
 
-// Returns the height of all lines.
+// Returns how far below the top of the rectangle the lines end; their height when they begin there.
 std::int64_t DrawLines(const Context& context, SizedFace& face, std::string_view text, const RECT& rect,
                        UINT format) {
     const Box box = context.Placed(rect);
-    const TextPainter painter(context, format & DT_NOCLIP ? kEverywhere : box);
+    Surface surface = context.Target();
+    Region clip;
+    if (!(format & DT_NOCLIP)) ClipToBox(surface, box, clip);
+    const TextInk ink = InkOf(context, surface);
     const bool isSingle = (format & DT_SINGLELINE) != 0;
-    const std::int64_t top =
-        box.top + OffsetInside(box.Height(), face.LineHeight(), isSingle && (format & DT_VCENTER) != 0,
-                               isSingle && (format & DT_BOTTOM) != 0);
-    std::int64_t height = 0;
+    std::int64_t y = OffsetInside(box.Height(), face.LineHeight(), isSingle && (format & DT_VCENTER) != 0,
+                                  isSingle && (format & DT_BOTTOM) != 0);
     ForEachLine(text, format, [&](std::string_view line) {
-        const std::int64_t width = WidthOf(face, line);
-        const std::int64_t left =
-            box.left + OffsetInside(box.Width(), width, (format & DT_CENTER) != 0, (format & DT_RIGHT) != 0);
-        painter.DrawLine(face, line, left, top + height, width);
-        height += face.LineHeight();
+        const std::int64_t x = OffsetInside(box.Width(), WidthOf(face, {line}), (format & DT_CENTER) != 0,
+                                            (format & DT_RIGHT) != 0);
+        DrawTextLine(surface, face, {line}, {box.left + x, box.top + y}, {}, ink);
+        y += face.LineHeight();
     });
-    return height;
+    return y;
 }
 
 // Exported edge
@@ -249,8 +149,26 @@ BOOL TextOutA(HDC hDC, int n32X, int n32Y, const char* pText, int n32Length) {
     Context* context = Find<Context>(hDC);
     if (!context || !IsText(pText, n32Length)) return 0;
     return FailWithoutMemory([&] {
-        if (const auto face = FindFace(context->font->logical))
-            PlaceText(*context, *face, {n32X, n32Y}, TextOf(pText, n32Length));
+        PlaceText(*context, context->Target(), {n32X, n32Y}, {TextOf(pText, n32Length)});
+        return 1;
+    });
+}
+
+BOOL ExtTextOutA(HDC hDC, int n32X, int n32Y, UINT un32Options, const RECT* pRect, const char* pText,
+                 UINT un32Length, const int* pn32Distances) {
+    constexpr UINT kUnknown = ~(ETO_OPAQUE | ETO_CLIPPED);
+    Context* context = Find<Context>(hDC);
+    const int length = static_cast<int>(un32Length);  // negative beyond what a text may have
+    if (!context || !IsText(pText, length) || (un32Options & kUnknown)) return 0;
+    const UINT options = pRect ? un32Options : 0;
+    return FailWithoutMemory([&] {
+        Surface surface = context->Target();
+        if (options & ETO_OPAQUE)
+            PaintBox(surface, context->Placed(*pRect),
+                     RawFromBgr(surface, BgrFromColor(context->backgroundColor)));
+        Region clip;
+        if (options & ETO_CLIPPED) ClipToBox(surface, context->Placed(*pRect), clip);
+        PlaceText(*context, surface, {n32X, n32Y}, {TextOf(pText, length), pn32Distances});
         return 1;
     });
 }

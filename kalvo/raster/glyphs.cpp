@@ -1,16 +1,17 @@
-// Faces and glyphs: which file has a face, opening it at a size, glyphs as runs of pixels, what is kept.
+// Faces and glyphs: opening a file at a size, glyphs as runs of pixels, what is kept.
 #include "kalvo/raster/glyphs.h"
 
-#include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <utility>
 
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
+#include FT_TRUETYPE_TABLES_H
 
 namespace Zelkor::Platform {
 namespace {
@@ -18,6 +19,7 @@ namespace {
 constexpr int kBoldFrom = 600;
 constexpr int kDefaultHeight = 16;
 constexpr int kLargestHeight = 1000;
+constexpr int kWidestEm = 4000;
 
 // What a face keeps, in runs of 6 bytes; a glyph counts as some runs more than it has.
 constexpr std::size_t kMostKept = 1 << 17;
@@ -47,68 +49,32 @@ struct FreeType {
     std::mutex mutex;
 };
 
-// Finding files
-
-struct Destroy {
-    void operator()(FcConfig* config) const { FcConfigDestroy(config); }
-    void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
-    void operator()(FcFontSet* set) const { FcFontSetSortDestroy(set); }
-};
-using ConfigOwner = std::unique_ptr<FcConfig, Destroy>;
-using PatternOwner = std::unique_ptr<FcPattern, Destroy>;
-using FontSetOwner = std::unique_ptr<FcFontSet, Destroy>;
-
-const FcChar8* FontconfigText(const char* text) { return reinterpret_cast<const FcChar8*>(text); }
-
-PatternOwner PatternOf(const FaceStyle& style, FcConfig* config) {
-    PatternOwner pattern(FcPatternCreate());
-    if (!pattern) throw std::bad_alloc();
-    const std::string name(style.name.data(), strnlen(style.name.data(), style.name.size()));
-    if (!name.empty()) FcPatternAddString(pattern.get(), FC_FAMILY, FontconfigText(name.c_str()));
-    FcPatternAddInteger(pattern.get(), FC_WEIGHT, style.isBold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
-    FcPatternAddInteger(pattern.get(), FC_SLANT, style.isItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
-    FcPatternAddBool(pattern.get(), FC_SCALABLE, FcTrue);
-    FcConfigSubstitute(config, pattern.get(), FcMatchPattern);
-    FcDefaultSubstitute(pattern.get());
-    return pattern;
-}
-
-// The files with outlines that come nearest, the best one first. What Fontconfig knows is loaded for this and
-// let go: that takes some milliseconds, but styles are few, and fonts installed later are found.
-std::vector<FontFile> FindFiles(const FaceStyle& style) {
-    constexpr std::size_t kMostFiles = 8;
-    std::vector<FontFile> files;
-    const ConfigOwner config(FcInitLoadConfigAndFonts());
-    if (!config) return files;
-    const PatternOwner pattern = PatternOf(style, config.get());
-    FcResult result = FcResultNoMatch;
-    const FontSetOwner fonts(FcFontSort(config.get(), pattern.get(), FcFalse, nullptr, &result));
-    for (int i = 0; fonts && i < fonts->nfont && files.size() < kMostFiles; ++i) {
-        FcBool isScalable = FcFalse;
-        FcChar8* path = nullptr;
-        int index = 0;
-        FcPatternGetBool(fonts->fonts[i], FC_SCALABLE, 0, &isScalable);
-        FcPatternGetInteger(fonts->fonts[i], FC_INDEX, 0, &index);
-        if (isScalable && FcPatternGetString(fonts->fonts[i], FC_FILE, 0, &path) == FcResultMatch)
-            files.push_back({reinterpret_cast<const char*>(path), index});
-    }
-    return files;
-}
-
 // Sizes
 
 int LineHeightOf(FT_Face face) {
     return std::max(1, Rounded(face->size->metrics.ascender - face->size->metrics.descender));
 }
 
-bool SetEm(FT_Face face, int em) { return Succeeded(FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(em))); }
+// In units of the outlines.
+int AverageWidthOf(FT_Face face) {
+    const auto* table = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
+    return table && table->xAvgCharWidth > 0 ? table->xAvgCharWidth : std::max(1, face->units_per_EM / 2);
+}
+
+// Letters are as wide as the em is high, or so wide that their average is `width`.
+bool SetEm(FT_Face face, int em, int width) {
+    const std::int64_t across = width ? std::int64_t{width} * face->units_per_EM / AverageWidthOf(face) : em;
+    return Succeeded(FT_Set_Pixel_Sizes(face,
+                                        static_cast<FT_UInt>(std::clamp<std::int64_t>(across, 1, kWidestEm)),
+                                        static_cast<FT_UInt>(em)));
+}
 
 // The largest size whose line is no higher; hinting may round the first guess up.
-bool SetLineHeight(FT_Face face, int height) {
+bool SetLineHeight(FT_Face face, int height, int width) {
     const int unitsOfLine = face->ascender - face->descender;
     const int guess = unitsOfLine > 0 ? height * face->units_per_EM / unitsOfLine + 1 : height;
     int em = std::clamp(guess, 1, kLargestHeight);
-    while (SetEm(face, em)) {
+    while (SetEm(face, em, width)) {
         if (em == 1 || LineHeightOf(face) <= height) return true;
         --em;
     }
@@ -129,6 +95,11 @@ void Slant(FT_GlyphSlot slot) {
     FT_Outline_Transform(&slot->outline, &shear);
 }
 
+void Rotate(FT_GlyphSlot slot, const Turn& turn) {
+    const FT_Matrix rotation{turn.Cosine(), -turn.Sine(), turn.Sine(), turn.Cosine()};
+    FT_Outline_Transform(&slot->outline, &rotation);
+}
+
 void CollectRuns(const FT_Bitmap& bitmap, Glyph& glyph) {
     for (int row = 0; row < static_cast<int>(bitmap.rows); ++row) {
         const unsigned char* bits = bitmap.buffer + static_cast<std::ptrdiff_t>(row) * bitmap.pitch;
@@ -144,6 +115,13 @@ void CollectRuns(const FT_Bitmap& bitmap, Glyph& glyph) {
                                       static_cast<std::int16_t>(glyph.left + x)});
         }
     }
+}
+
+FaceFamily FamilyOf(unsigned pitchAndFamily) {
+    constexpr unsigned kPitch = 3, kFixed = 1, kFamily = 0xF0, kRoman = 0x10, kModern = 0x30;
+    if ((pitchAndFamily & kPitch) == kFixed || (pitchAndFamily & kFamily) == kModern)
+        return FaceFamily::FixedPitch;
+    return (pitchAndFamily & kFamily) == kRoman ? FaceFamily::Serif : FaceFamily::SansSerif;
 }
 
 // Keeps the values of the keys that were asked for last.
@@ -170,32 +148,32 @@ private:
 
 class FaceCache {
 public:
-    std::shared_ptr<SizedFace> Find(const FaceStyle& style, int height) {
+    std::shared_ptr<SizedFace> Find(const FaceStyle& style, const FaceSize& size) {
         const std::lock_guard lock(m_mutex);
-        const Size key{style, height};
+        const Key key{style, size};
         std::shared_ptr<SizedFace>* known = m_faces.Find(key);
-        if (!known) return m_faces.Add(key, SizedFace::Open(FilesFor(style), style, height));
+        if (!known) return m_faces.Add(key, SizedFace::Open(FilesFor(style), style, size));
         // Whoever draws with the full one goes on; those who come get one that keeps what they need.
-        if (*known && (*known)->IsFull()) *known = SizedFace::Open(FilesFor(style), style, height);
+        if (*known && (*known)->IsFull()) *known = SizedFace::Open(FilesFor(style), style, size);
         return *known;
     }
 
 private:
-    struct Size {
+    struct Key {
         FaceStyle style;
-        int height;
-        bool operator==(const Size&) const = default;
+        FaceSize size;
+        bool operator==(const Key&) const = default;
     };
 
     const std::vector<FontFile>& FilesFor(const FaceStyle& style) {
         if (const auto* known = m_files.Find(style)) return *known;
-        return m_files.Add(style, FindFiles(style));
+        return m_files.Add(style, FindFontFiles(style));
     }
 
     static constexpr std::size_t kMostEntries = 32;
     std::mutex m_mutex;
     RecentlyUsed<FaceStyle, std::vector<FontFile>, kMostEntries> m_files;
-    RecentlyUsed<Size, std::shared_ptr<SizedFace>, kMostEntries> m_faces;
+    RecentlyUsed<Key, std::shared_ptr<SizedFace>, kMostEntries> m_faces;
 };
 
 }  // namespace
@@ -205,7 +183,7 @@ void SizedFace::CloseFace::operator()(FT_Face face) const {
     FT_Done_Face(face);
 }
 
-SizedFace::FaceOwner SizedFace::OpenFile(const FontFile& file, int height) {
+SizedFace::FaceOwner SizedFace::OpenFile(const FontFile& file, const FaceSize& size) {
     FreeType& freeType = FreeType::Instance();
     if (!freeType.library) return nullptr;
     FaceOwner face;
@@ -215,22 +193,25 @@ SizedFace::FaceOwner SizedFace::OpenFile(const FontFile& file, int height) {
         if (!Succeeded(FT_New_Face(freeType.library, file.path.c_str(), file.index, &opened))) return nullptr;
         face.reset(opened);
     }
-    const bool isSized = FT_IS_SCALABLE(face.get()) &&
-                         (height < 0 ? SetEm(face.get(), -height) : SetLineHeight(face.get(), height));
+    const int height = size.height;
+    const bool isSized =
+        FT_IS_SCALABLE(face.get()) &&
+        (height < 0 ? SetEm(face.get(), -height, size.width) : SetLineHeight(face.get(), height, size.width));
     return isSized ? std::move(face) : nullptr;
 }
 
 std::shared_ptr<SizedFace> SizedFace::Open(const std::vector<FontFile>& files, const FaceStyle& style,
-                                           int height) {
+                                           const FaceSize& size) {
     for (const FontFile& file : files) {
-        if (FaceOwner face = OpenFile(file, height))
-            return std::shared_ptr<SizedFace>(new SizedFace(std::move(face), style));
+        if (FaceOwner face = OpenFile(file, size))
+            return std::shared_ptr<SizedFace>(new SizedFace(std::move(face), style, Turn(size.escapement)));
     }
     return nullptr;
 }
 
-SizedFace::SizedFace(FaceOwner face, const FaceStyle& style)
+SizedFace::SizedFace(FaceOwner face, const FaceStyle& style, const Turn& direction)
     : m_face(std::move(face)),
+      m_direction(direction),
       m_emboldens(style.isBold && !(m_face->style_flags & FT_STYLE_FLAG_BOLD)),
       m_slants(style.isItalic && !(m_face->style_flags & FT_STYLE_FLAG_ITALIC)) {
     const FT_Size_Metrics& metrics = m_face->size->metrics;
@@ -249,6 +230,7 @@ Glyph SizedFace::Render(char32_t character) const {
     if (slot->format != FT_GLYPH_FORMAT_OUTLINE) return glyph;
     if (m_emboldens && slot->outline.n_points > 0) Embolden(slot);
     if (m_slants) Slant(slot);
+    if (!m_direction.IsNone()) Rotate(slot, m_direction);
     glyph.advance = std::max(0, Rounded(slot->advance.x));
     // This fails for outlines that leave the range of a bitmap's coordinates, 16 bits.
     if (!Succeeded(FT_Render_Glyph(slot, FT_RENDER_MODE_MONO))) return glyph;
@@ -258,6 +240,20 @@ Glyph SizedFace::Render(char32_t character) const {
     glyph.bottom = glyph.top + static_cast<int>(slot->bitmap.rows);
     CollectRuns(slot->bitmap, glyph);
     return glyph;
+}
+
+FaceMetrics SizedFace::Metrics() const {
+    const FT_Size_Metrics& metrics = m_face->size->metrics;
+    const auto across = [&](int units) { return Rounded(FT_MulFix(units, metrics.x_scale)); };
+    FaceMetrics result;
+    result.name = m_face->family_name ? m_face->family_name : "";
+    result.internalLeading = std::max(0, m_lineHeight - metrics.y_ppem);
+    result.externalLeading = std::max(0, Rounded(metrics.height) - m_lineHeight);
+    result.averageWidth = std::max(1, across(AverageWidthOf(m_face.get())));
+    result.greatestWidth = std::max(result.averageWidth, across(m_face->max_advance_width));
+    result.isBold = m_emboldens || (m_face->style_flags & FT_STYLE_FLAG_BOLD) != 0;
+    result.hasFixedPitch = FT_IS_FIXED_WIDTH(m_face.get()) != 0;
+    return result;
 }
 
 const Glyph& SizedFace::Find(char32_t character, Glyph& spare) {
@@ -279,10 +275,13 @@ const Glyph& SizedFace::Find(char32_t character, Glyph& spare) {
 
 std::shared_ptr<SizedFace> FindFace(const LOGFONTA& font) {
     static FaceCache& cache = *new FaceCache;
-    FaceStyle style{.isBold = font.lfWeight >= kBoldFrom, .isItalic = font.lfItalic != 0};
+    FaceStyle style{.family = FamilyOf(font.lfPitchAndFamily),
+                    .isBold = font.lfWeight >= kBoldFrom,
+                    .isItalic = font.lfItalic != 0};
     std::copy_n(font.lfFaceName, strnlen(font.lfFaceName, style.name.size()), style.name.begin());
     const int height = std::clamp(font.lfHeight, -kLargestHeight, kLargestHeight);
-    return cache.Find(style, height ? height : kDefaultHeight);
+    const int width = std::clamp(font.lfWidth, -kLargestHeight, kLargestHeight);
+    return cache.Find(style, {height ? height : kDefaultHeight, std::abs(width), font.lfEscapement % 3600});
 }
 
 }  // namespace Zelkor::Platform

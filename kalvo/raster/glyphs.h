@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "kalvo/base/win32types.h"
+#include "kalvo/raster/fontfiles.h"
+#include "kalvo/raster/turn.h"
 
 struct FT_FaceRec_;
 
@@ -31,26 +33,31 @@ struct Glyph {
     std::vector<GlyphRun> runs;
 };
 
-// What tells one kind of face from another, whatever its size. The name is padded with zeros.
-struct FaceStyle {
-    std::array<char, sizeof LOGFONTA::lfFaceName> name{};
-    bool isBold = false;
-    bool isItalic = false;
+struct FaceSize {
+    int height = 0;      // as in LOGFONTA, but not 0 and within bounds
+    int width = 0;       // of the average letter; 0: as it is drawn
+    int escapement = 0;  // tenths of a degree, counter-clockwise
 
-    bool operator==(const FaceStyle&) const = default;
+    bool operator==(const FaceSize&) const = default;
 };
 
-struct FontFile {
-    std::string path;
-    int index = 0;  // of the face in the file
+// What is of interest apart from drawing; lengths are in pixels.
+struct FaceMetrics {
+    std::string name;         // of the family
+    int internalLeading = 0;  // what a line has above the em square
+    int externalLeading = 0;  // what should stay free between lines
+    int averageWidth = 0;
+    int greatestWidth = 0;
+    bool isBold = false;
+    bool hasFixedPitch = false;
 };
 
 // A face of letters at a size. Any number of threads may use it at once.
 class SizedFace {
 public:
-    // The first of the files that can be used; null when none can. `height` as in LOGFONTA, within bounds.
+    // The first of the files that can be used; null when none can.
     static std::shared_ptr<SizedFace> Open(const std::vector<FontFile>& files, const FaceStyle& style,
-                                           int height);
+                                           const FaceSize& size);
 
     // In pixels, counted downwards from the top of a line.
     int Baseline() const { return m_baseline; }
@@ -58,6 +65,11 @@ public:
     int Underline() const { return m_underline; }
     int StrikeOut() const { return m_baseline - m_baseline / 3; }
     int RuleThickness() const { return m_ruleThickness; }
+
+    // Where lines run; glyphs are turned already. All lengths are those of an upright line.
+    const Turn& Direction() const { return m_direction; }
+
+    FaceMetrics Metrics() const;
 
     // A character's glyph, or the box that the face has for missing ones. It lives as long as the face, or
     // stands in `spare` when the face already keeps all it may.
@@ -71,11 +83,12 @@ private:
     };
     using FaceOwner = std::unique_ptr<FT_FaceRec_, CloseFace>;
 
-    SizedFace(FaceOwner face, const FaceStyle& style);
-    static FaceOwner OpenFile(const FontFile& file, int height);
+    SizedFace(FaceOwner face, const FaceStyle& style, const Turn& direction);
+    static FaceOwner OpenFile(const FontFile& file, const FaceSize& size);
     Glyph Render(char32_t character) const;
 
     const FaceOwner m_face;
+    const Turn m_direction;
     const bool m_emboldens;  // the style asks for what the face itself doesn't have
     const bool m_slants;
     int m_baseline = 0;

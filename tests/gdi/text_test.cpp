@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <numbers>
 #include <string>
 #include <thread>
 #include <vector>
@@ -35,8 +37,7 @@ struct Canvas {
         SelectObject(dc, bitmap = CreateDIBSection(dc, reinterpret_cast<const BITMAPINFO*>(&info),
                                                    DIB_RGB_COLORS, &pixels));
         std::memset(pixels, 0xFF, (static_cast<std::size_t>(size) * bits + 31) / 32 * 4 * size);
-        SelectObject(dc, logical = CreateFontA(font.lfHeight, 0, 0, 0, font.lfWeight, font.lfItalic,
-                                               font.lfUnderline, 0, 0, 0, 0, 0, 0, font.lfFaceName));
+        SelectObject(dc, logical = CreateFontIndirectA(&font));
         SetBkMode(dc, TRANSPARENT);
     }
     ~Canvas() {
@@ -109,6 +110,95 @@ TEST(TextOut, HonoursAlignmentAndMovesThePosition) {
     EXPECT_NE(letter.Pixels(60, 59, 20, 1), Canvas().Pixels(60, 59, 20, 1));
 }
 
+// Where pixels of a colour are: how many, and the middle of them.
+struct Cloud {
+    double count = 0, x = 0, y = 0;
+};
+
+Cloud CloudOf(const Canvas& canvas, bool (*belongs)(COLORREF)) {
+    Cloud cloud;
+    const std::vector<COLORREF> pixels = canvas.Pixels();
+    for (int i = 0; i < canvas.size * canvas.size; ++i) {
+        if (!belongs(pixels[i])) continue;
+        ++cloud.count;
+        cloud.x += i % canvas.size + 0.5;
+        cloud.y += i / canvas.size + 0.5;
+    }
+    return {cloud.count, cloud.x / cloud.count, cloud.y / cloud.count};
+}
+
+TEST(TextOut, TurnsTheLineAboutItsPlace) {
+    constexpr int size = 240, x = 120, y = 120;
+    for (const int tenths : {0, 1, 300, 450, 900, 1234, 1800, 2700, -450, 3600 * 7 - 150}) {
+        for (const UINT align : {TA_LEFT | TA_TOP, TA_CENTER | TA_BASELINE, TA_RIGHT | TA_BOTTOM}) {
+            const auto draw = [&](Canvas& canvas) {
+                SetBkMode(canvas.dc, OPAQUE);
+                SetBkColor(canvas.dc, RGB(255, 255, 0));
+                SetTextAlign(canvas.dc, align | TA_UPDATECP);
+                MoveToEx(canvas.dc, x, y, nullptr);
+                canvas.Out(0, 0, "Hgl1");
+            };
+            LOGFONTA font = MakeFont(-30);
+            font.lfUnderline = 1;
+            Canvas upright(font, 32, size);
+            font.lfEscapement = tenths;
+            Canvas turned(font, 32, size);
+            draw(upright);
+            draw(turned);
+            const double angle = tenths * std::numbers::pi / 1800;
+            const auto across = [&](double dx, double dy) { return x + dx * cos(angle) + dy * sin(angle); };
+            const auto down = [&](double dx, double dy) { return y + dy * cos(angle) - dx * sin(angle); };
+            for (const auto belongs : {+[](COLORREF color) { return color != kPaper; },
+                                       +[](COLORREF color) { return color == kInk; }}) {
+                const Cloud from = CloudOf(upright, belongs), to = CloudOf(turned, belongs);
+                EXPECT_NEAR(to.count / from.count, 1, 0.15) << tenths;
+                EXPECT_NEAR(to.x, across(from.x - x, from.y - y), 0.5) << tenths << ", " << align;
+                EXPECT_NEAR(to.y, down(from.x - x, from.y - y), 0.5) << tenths << ", " << align;
+            }
+            POINT before, after;
+            MoveToEx(upright.dc, 0, 0, &before);
+            MoveToEx(turned.dc, 0, 0, &after);
+            EXPECT_NEAR(after.x, across(before.x - x, 0), 0.51) << tenths;
+            EXPECT_NEAR(after.y, down(before.x - x, 0), 0.51) << tenths;
+            EXPECT_EQ(turned.Extent("Hgl1").cx, upright.Extent("Hgl1").cx);
+            if (tenths % 900 != 0) continue;
+            int strays = 0;  // pixels on the very edge of a stroke
+            for (int i = 0; i < size * size; ++i) {
+                const double dx = i % size - x + 0.5, dy = i / size - y + 0.5;
+                const long toX = std::lround(across(dx, dy) - 0.5), toY = std::lround(down(dx, dy) - 0.5);
+                strays += GetPixel(turned.dc, toX, toY) != GetPixel(upright.dc, i % size, i / size);
+            }
+            EXPECT_LT(strays, 4) << tenths << ", " << align;
+        }
+    }
+}
+
+TEST(ExtTextOut, FillsAndKeepsToItsRectangle) {
+    constexpr COLORREF kFill = RGB(0, 255, 0);
+    const RECT rect{10, 20, 30, 26};
+    Canvas plain, cut, apart;
+    SetBkColor(cut.dc, kFill);
+    EXPECT_TRUE(ExtTextOut(cut.dc, 0, 0, ETO_OPAQUE, &rect, nullptr, 0, nullptr));
+    EXPECT_EQ(cut.Count(kFill), 20 * 6);
+    EXPECT_TRUE(ExtTextOut(cut.dc, 8, 15, ETO_CLIPPED, &rect, "MMMM", 4, nullptr));
+    plain.Out(8, 15, "MMMM");
+    const auto inside = plain.Pixels(10, 20, 20, 6);
+    EXPECT_EQ(cut.Count(kInk), std::ranges::count(inside, kInk));
+    EXPECT_EQ(cut.Count(kFill) + cut.Count(kInk), 20 * 6);
+
+    // Distances are those of bytes; a character of two takes both, one without a glyph its own.
+    const int distances[] = {20, 3, 4, 30, -40, 5};
+    EXPECT_TRUE(ExtTextOut(apart.dc, 5, 50, 0, nullptr, "A\xC3\xA9\tBC", 6, distances));
+    EXPECT_EQ(apart.Pixels(),
+              Canvas().Out(5, 50, "A").Out(25, 50, "\xC3\xA9").Out(62, 50, "B").Out(22, 50, "C").Pixels());
+    const std::vector<int> far(100000, INT_MAX);
+    const std::string text(far.size(), 'x');
+    EXPECT_TRUE(ExtTextOut(apart.dc, 0, 0, 0, nullptr, text.data(), text.size(), far.data()));
+    EXPECT_FALSE(ExtTextOut(plain.dc, 0, 0, 16, nullptr, "x", 1, nullptr) ||
+                 ExtTextOut(plain.dc, 0, 0, 0, nullptr, "x", UINT_MAX, nullptr) ||
+                 ExtTextOut(nullptr, 0, 0, 0, nullptr, "x", 1, nullptr));
+}
+
 TEST(TextOut, TakesUtf8AndBytesThatAreNone) {
     // Also: too long a form, half of a pair, sequences cut off, more than the last character, controls.
     const char* const sameTexts[][2] = {{"\xC3\xA9", "\xE9"},
@@ -163,6 +253,10 @@ TEST(DrawText, PlacesLinesInTheRectangle) {
     EXPECT_EQ(measured.drawn.bottom, 20 + 2 * line);
     EXPECT_EQ(measured.Draw({INT_MAX, INT_MAX, INT_MIN, INT_MIN}, "x", DT_CENTER | DT_NOCLIP).Count(kInk), 0);
     EXPECT_EQ(measured.Draw(rect, "", DT_CENTER).height, line);
+    // One line that does not begin at the top: how far down it ends.
+    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_BOTTOM).height, 100);
+    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_VCENTER).height, (100 - line) / 2 + line);
+    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_BOTTOM | DT_CALCRECT).height, line);
 }
 
 TEST(DrawText, KeepsToTheRectangleUnlessTold) {
@@ -207,6 +301,40 @@ TEST(Fonts, DifferInHeightWeightAndSlant) {
     EXPECT_NE(Canvas(MakeFont(-13, 400, true)).Out(1, 1, "HHH").Pixels(), plain.Pixels());
 }
 
+TEST(Fonts, AreMeasured) {
+    LOGFONTA font = MakeFont(-40, 700);
+    const Canvas plain(font);
+    TEXTMETRIC metrics{};
+    ASSERT_TRUE(GetTextMetrics(plain.dc, &metrics));
+    const auto face = FindFace(font);
+    EXPECT_EQ(metrics.tmHeight, plain.Extent("").cy);
+    EXPECT_EQ(metrics.tmAscent, face->Baseline());
+    EXPECT_EQ(metrics.tmHeight, metrics.tmAscent + metrics.tmDescent);
+    EXPECT_EQ(metrics.tmHeight - metrics.tmInternalLeading, 40);
+    EXPECT_EQ(metrics.tmWeight, FW_BOLD);
+    EXPECT_TRUE(metrics.tmPitchAndFamily & TMPF_FIXED_PITCH);
+    font.lfWidth = 2 * metrics.tmAveCharWidth;
+    const Canvas wide(font);
+    EXPECT_NEAR(wide.Extent("Width").cx, 2 * plain.Extent("Width").cx, 12);
+    EXPECT_EQ(wide.Extent("").cy, metrics.tmHeight);
+    ASSERT_TRUE(GetTextMetrics(wide.dc, &metrics));
+    EXPECT_NEAR(metrics.tmAveCharWidth, font.lfWidth, 1);
+
+    char name[40]{};
+    EXPECT_EQ(GetTextFace(plain.dc, 5, name), 5);
+    EXPECT_STREQ(name, "Deja");
+    EXPECT_EQ(GetTextFace(plain.dc, sizeof name, name), GetTextFace(plain.dc, 0, nullptr));
+    EXPECT_STREQ(name, "DejaVu Sans");
+    LOGFONTA fixed = MakeFont(-13, 400, false, "No such face");
+    fixed.lfPitchAndFamily = FIXED_PITCH;
+    const Canvas typewriter(fixed);
+    EXPECT_EQ(typewriter.Extent("iiii").cx, typewriter.Extent("MMMM").cx);
+    ASSERT_TRUE(GetTextMetrics(typewriter.dc, &metrics));
+    EXPECT_FALSE(metrics.tmPitchAndFamily & TMPF_FIXED_PITCH);
+    EXPECT_FALSE(CreateFontIndirect(nullptr) || GetTextMetrics(nullptr, &metrics) ||
+                 GetTextFace(plain.dc, 0, name));
+}
+
 TEST(Fonts, ServeThreadsWhileFacesComeAndGo) {
     const auto widths = [](int first) {
         std::vector<LONG> result;
@@ -245,7 +373,7 @@ TEST(Fonts, MayBeMissingAltogether) {
         return size.cx == 0 && size.cy == 0 && canvas.height == 0 && canvas.Count(kInk) == 0;
     };
     EXPECT_EXIT(std::_Exit(showsNothingWithoutFonts() ? 0 : 1), testing::ExitedWithCode(0), "");
-    EXPECT_EQ(SizedFace::Open({{"/no/such/file"}, {"/dev/null"}}, {}, -13), nullptr);
+    EXPECT_EQ(SizedFace::Open({{"/no/such/file"}, {"/dev/null"}}, {}, {-13}), nullptr);
 }
 
 }  // namespace
