@@ -91,13 +91,25 @@ void Zoom(benchmark::State& state, int from, int to) {
     CountResult(state, to);
 }
 
-void Mix(benchmark::State& state, int from, int to) {
+void Mix(benchmark::State& state, int from, int to, BYTE format = 0) {
     const Canvas canvas(Picture(to, Colors::Greys)), source(Picture(from, Colors::Rainbow));
     for (auto _ : state) {
         AlphaBlend(canvas.hdc, 0, 0, kWidth, kHeight, source.hdc, 0, 0, kWidth, kHeight,
-                   {AC_SRC_OVER, 0, 100, 0});
+                   {AC_SRC_OVER, 0, 100, format});
     }
     CountResult(state, to);
+}
+
+void Combine(benchmark::State& state, DWORD operation, int bitCount) {
+    const Canvas canvas(Picture(bitCount, Colors::Greys)), source(Picture(bitCount, Colors::Greys));
+    for (auto _ : state) BitBlt(canvas.hdc, 0, 0, kWidth, kHeight, source.hdc, 0, 0, operation);
+    CountResult(state, bitCount);
+}
+
+void Scroll(benchmark::State& state, int bitCount) {
+    const Canvas canvas(Picture(bitCount, Colors::Greys));
+    for (auto _ : state) BitBlt(canvas.hdc, 1, 1, kWidth, kHeight, canvas.hdc, 0, 0, SRCCOPY);
+    CountResult(state, bitCount);
 }
 
 BENCHMARK_CAPTURE(Copy, 32, 32);
@@ -119,6 +131,15 @@ BENCHMARK_CAPTURE(Mix, 32 to 32, 32, 32);
 BENCHMARK_CAPTURE(Mix, 24 to 32, 24, 32);
 BENCHMARK_CAPTURE(Mix, 8 to 24, 8, 24);
 BENCHMARK_CAPTURE(Mix, 8 to 8, 8, 8);
+BENCHMARK_CAPTURE(Mix, 32 by its own alpha to 32, 32, 32, AC_SRC_ALPHA);
+BENCHMARK_CAPTURE(Mix, 32 by its own alpha to 24, 32, 24, AC_SRC_ALPHA);
+BENCHMARK_CAPTURE(Combine, 32 SRCINVERT, SRCINVERT, 32);
+BENCHMARK_CAPTURE(Combine, 24 SRCAND, SRCAND, 24);
+BENCHMARK_CAPTURE(Combine, 1 SRCPAINT, SRCPAINT, 1);
+BENCHMARK_CAPTURE(Combine, 32 DSTINVERT, DSTINVERT, 32);
+BENCHMARK_CAPTURE(Combine, 32 PATCOPY, PATCOPY, 32);
+BENCHMARK_CAPTURE(Combine, 32 all three, 0x00B80746, 32);
+BENCHMARK_CAPTURE(Scroll, 32, 32);
 
 }  // namespace
 

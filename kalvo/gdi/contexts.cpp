@@ -34,16 +34,8 @@ HGDIOBJ ReplaceBitmap(Context& context, Bitmap* next) {
     return context.isPaletteDevice || anothers ? nullptr : Replace(context.bitmap, next);
 }
 
-std::unique_ptr<Bitmap> MakeOwnBitmap(int width, int height, PixelLayout layout,
-                                      std::vector<RGBQUAD> colors) {
-    DibFormat format;
-    format.width = width;
-    format.height = height;
-    format.topDown = true;
-    format.layout = layout;
-    format.rowBytes = RowBytes(width, layout);
-    format.colors = std::move(colors);
-    std::unique_ptr<Bitmap> bitmap = MakeBitmap(std::move(format));
+std::unique_ptr<Bitmap> MakeOwnBitmap(int width, int height, PixelLayout layout) {
+    std::unique_ptr<Bitmap> bitmap = MakeDeviceBitmap(width, height, layout, DeviceColors(layout));
     if (!bitmap) throw std::bad_alloc();
     bitmap->isStock = true;
     return bitmap;
@@ -86,16 +78,8 @@ HDC CreatePaletteDC(int width, int height) {
     constexpr int kLargest = 0x7FFF;
     if (width < 1 || height < 1 || width > kLargest || height > kLargest) return nullptr;
     return FailWithoutMemory([&] {
-        constexpr std::size_t kEntries = 256;
-        const std::span<const PALETTEENTRY> fixed = FixedColors();
-        std::vector<RGBQUAD> colors(kEntries);
-        for (std::size_t i = 0; i < fixed.size(); ++i) {
-            const std::size_t place = i < fixed.size() / 2 ? i : kEntries - fixed.size() + i;
-            colors[place] = {fixed[i].peBlue, fixed[i].peGreen, fixed[i].peRed, 0};
-        }
-        constexpr RawPixel kWhite = kEntries - 1;
-        auto context =
-            std::make_unique<Context>(MakeOwnBitmap(width, height, PixelLayout::Indexed8, std::move(colors)));
+        constexpr RawPixel kWhite = 255;
+        auto context = std::make_unique<Context>(MakeOwnBitmap(width, height, PixelLayout::Indexed8));
         context->isPaletteDevice = true;
         PaintBox(context->Target(), {0, 0, width, height}, kWhite);
         return Publish(std::move(context));
@@ -108,10 +92,8 @@ using namespace Zelkor::Platform;
 
 HDC CreateCompatibleDC(HDC hDC) {
     if (hDC && !Find<Context>(hDC)) return nullptr;
-    return FailWithoutMemory([&] {
-        const std::vector<RGBQUAD> blackAndWhite = {{0, 0, 0, 0}, {255, 255, 255, 0}};
-        return Publish(std::make_unique<Context>(MakeOwnBitmap(1, 1, PixelLayout::Bits1, blackAndWhite)));
-    });
+    return FailWithoutMemory(
+        [&] { return Publish(std::make_unique<Context>(MakeOwnBitmap(1, 1, PixelLayout::Bits1))); });
 }
 
 BOOL DeleteDC(HDC hDC) {

@@ -11,6 +11,8 @@
 namespace Zelkor::Platform {
 namespace {
 
+constexpr std::size_t kDibAlignment = 4, kDeviceAlignment = 2;
+
 using Masks = std::array<DWORD, 3>;  // red, green, blue
 
 struct LayoutRule {
@@ -47,22 +49,39 @@ std::optional<PixelLayout> LayoutOf(const BITMAPINFO& info) {
     return std::nullopt;
 }
 
-}  // namespace
-
-std::size_t RowBytes(int width, PixelLayout layout) {
-    return (static_cast<std::size_t>(width) * BitsPerPixel(layout) + 31) / 32 * 4;
+bool FitsMemory(std::size_t rowBytes, int height) {
+    constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max());
+    return rowBytes <= kMost / static_cast<std::size_t>(height);
 }
 
-Surface DibFormat::SurfaceAt(std::uint8_t* bits) const {
+std::unique_ptr<Bitmap> MakeBitmap(DibFormat format) {
+    auto bitmap = std::make_unique<Bitmap>();
+    bitmap->memory.reset(new (std::nothrow) std::uint8_t[format.rowBytes * format.height]());
+    if (!bitmap->memory) return nullptr;
+    bitmap->surface = format.SurfaceAt(bitmap->memory.get());
+    bitmap->colors = std::move(format.colors);
+    bitmap->surface.colors = bitmap->colors;
+    return bitmap;
+}
+
+}  // namespace
+
+std::size_t RowBytes(int width, PixelLayout layout, std::size_t alignment) {
+    const std::size_t bits = 8 * alignment;
+    return (static_cast<std::size_t>(width) * BitsPerPixel(layout) + bits - 1) / bits * alignment;
+}
+
+Surface DibFormat::SurfaceAt(const void* bits) const {
     return ScansAt(bits, 0, static_cast<std::uint32_t>(height));
 }
 
-Surface DibFormat::ScansAt(std::uint8_t* bits, std::uint32_t start, std::uint32_t lines) const {
+Surface DibFormat::ScansAt(const void* bits, std::uint32_t start, std::uint32_t lines) const {
+    auto* const first = static_cast<std::uint8_t*>(const_cast<void*>(bits));
     const auto total = static_cast<std::uint32_t>(height);
     const int rows = start < total ? static_cast<int>(std::min(lines, total - start)) : 0;
     const auto pitch = static_cast<std::ptrdiff_t>(rowBytes);
-    if (topDown || rows == 0) return {bits, pitch, width, rows, layout, colors};
-    return {bits + pitch * (rows - 1), -pitch, width, rows, layout, colors};
+    if (topDown || rows == 0) return {first, pitch, width, rows, layout, colors};
+    return {first + pitch * (rows - 1), -pitch, width, rows, layout, colors};
 }
 
 std::size_t ColorTableSize(const BITMAPINFOHEADER& header) {
@@ -85,10 +104,8 @@ std::optional<DibFormat> ReadDibHeader(const BITMAPINFO* info) {
     format.height = header.biHeight < 0 ? -header.biHeight : header.biHeight;
     format.topDown = header.biHeight < 0;
     format.layout = *layout;
-    format.rowBytes = RowBytes(format.width, *layout);
-    if (format.rowBytes > static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) /
-                              static_cast<std::size_t>(format.height))
-        return std::nullopt;
+    format.rowBytes = RowBytes(format.width, *layout, kDibAlignment);
+    if (!FitsMemory(format.rowBytes, format.height)) return std::nullopt;
     if (const std::size_t count = ColorTableSize(header); count > 0) {
         const RGBQUAD* behindHeader = info->bmiColors;
         format.colors.assign(behindHeader, behindHeader + count);
@@ -107,20 +124,31 @@ BITMAPINFOHEADER MakeDibHeader(const Surface& surface) {
     header.biBitCount = rule->bitCount;
     header.biCompression = rule->compression;
     // Sizes that the field can't hold are left out; it is optional for uncompressed pixels.
-    const std::uint64_t bytes =
-        std::uint64_t{RowBytes(surface.width, surface.layout)} * static_cast<std::uint64_t>(surface.height);
+    const std::uint64_t bytes = std::uint64_t{RowBytes(surface.width, surface.layout, kDibAlignment)} *
+                                static_cast<std::uint64_t>(surface.height);
     if (bytes <= std::numeric_limits<DWORD>::max()) header.biSizeImage = static_cast<DWORD>(bytes);
     return header;
 }
 
-std::unique_ptr<Bitmap> MakeBitmap(DibFormat format) {
-    auto bitmap = std::make_unique<Bitmap>();
-    bitmap->memory.reset(new (std::nothrow) std::uint8_t[format.rowBytes * format.height]());
-    if (!bitmap->memory) return nullptr;
-    bitmap->surface = format.SurfaceAt(bitmap->memory.get());
-    bitmap->colors = std::move(format.colors);
-    bitmap->surface.colors = bitmap->colors;
+std::unique_ptr<Bitmap> MakeSection(DibFormat format) {
+    std::unique_ptr<Bitmap> bitmap = MakeBitmap(std::move(format));
+    if (bitmap) bitmap->isSection = true;
     return bitmap;
+}
+
+std::unique_ptr<Bitmap> MakeDeviceBitmap(int width, int height, PixelLayout layout,
+                                         std::vector<RGBQUAD> colors) {
+    if (width < 1 || height < 1) return nullptr;
+    const std::size_t rowBytes = RowBytes(width, layout, kDeviceAlignment);
+    if (!FitsMemory(rowBytes, height)) return nullptr;
+    return MakeBitmap({width, height, true, layout, rowBytes, std::move(colors)});
+}
+
+std::optional<PixelLayout> LayoutOfDepth(std::uint32_t bitCount) {
+    for (const LayoutRule& rule : kLayoutRules) {
+        if (rule.bitCount == bitCount && rule.compression == BI_RGB) return rule.layout;
+    }
+    return std::nullopt;
 }
 
 }  // namespace Zelkor::Platform

@@ -17,6 +17,9 @@ KX_API BOOL DeleteObject(HGDIOBJ hObject);
 /// Writes a `LOGPEN`, `LOGBRUSH`, `LOGFONTA` or `BITMAP` and returns its size in bytes; returns the size
 /// alone when `pBuffer` is null. 0 on failure, also when `n32Size` is too small.
 KX_API int GetObjectA(HGDIOBJ hObject, int n32Size, void* pBuffer);
+inline int GetObject(HGDIOBJ hObject, int n32Size, void* pBuffer) {
+    return GetObjectA(hObject, n32Size, pBuffer);
+}
 /// A stock pen, brush, font or palette. It lives as long as the process.
 KX_API HGDIOBJ GetStockObject(int n32Object);
 

@@ -12,3 +12,5 @@ KX_API HPALETTE SelectPalette(HDC hDC, HPALETTE hPalette, BOOL bForceBackground)
 /// Gives the selected palette's entries places in the device's own palette, as far as there is room beside
 /// the 20 fixed colours. Returns how many changed; 0 on devices without a palette, `GDI_ERROR` on failure.
 KX_API UINT RealizePalette(HDC hDC);
+/// The colour that a pixel gets when it is to have `color`; `CLR_INVALID` on failure.
+KX_API COLORREF GetNearestColor(HDC hDC, COLORREF color);

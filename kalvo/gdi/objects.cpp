@@ -123,7 +123,8 @@ int Describe(const Description& description, int size, void* buffer) {
     return needed;
 }
 
-BITMAP DescriptionOf(const Surface& surface) {
+BITMAP DescriptionOf(const Bitmap& bitmap) {
+    const Surface& surface = bitmap.surface;
     const std::ptrdiff_t pitch = surface.pitchBytes;
     return {.bmType = 0,
             .bmWidth = surface.width,
@@ -131,7 +132,7 @@ BITMAP DescriptionOf(const Surface& surface) {
             .bmWidthBytes = static_cast<LONG>(pitch < 0 ? -pitch : pitch),
             .bmPlanes = 1,
             .bmBitsPixel = static_cast<WORD>(BitsPerPixel(surface.layout)),
-            .bmBits = surface.Row(pitch < 0 ? surface.height - 1 : 0)};
+            .bmBits = bitmap.isSection ? bitmap.memory.get() : nullptr};
 }
 
 template <class Handle, class Object, class Description>
@@ -186,7 +187,7 @@ int GetObjectA(HGDIOBJ hObject, int n32Size, void* pBuffer) {
     if (const Brush* brush = Find<Brush>(hObject)) return Describe(brush->logical, n32Size, pBuffer);
     if (const Font* font = Find<Font>(hObject)) return Describe(font->logical, n32Size, pBuffer);
     if (const Bitmap* bitmap = Find<Bitmap>(hObject))
-        return Describe(DescriptionOf(bitmap->surface), n32Size, pBuffer);
+        return Describe(DescriptionOf(*bitmap), n32Size, pBuffer);
     return 0;
 }
 

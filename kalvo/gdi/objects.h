@@ -62,6 +62,10 @@ struct Bitmap final : GdiObject {
     Surface surface;  // refers to the two below
     std::unique_ptr<std::uint8_t[]> memory;
     std::vector<RGBQUAD> colors;
+    bool isSection = false;  // its pixels and colours are the caller's, too
+
+    // One of bits that are a text colour and a background colour wherever they are copied to.
+    bool IsMonochrome() const { return !isSection && surface.layout == PixelLayout::Bits1; }
 };
 
 struct Palette final : GdiObject {
@@ -162,5 +166,9 @@ GdiObject* StockObject(int number);
 // The 20 colours that every palette device keeps: the first half of them begins its palette, the other ends
 // it.
 std::span<const PALETTEENTRY> FixedColors();
+
+// The colours of a device's pixels before any palette is realised: black and white, or the fixed colours with
+// black between them. None for direct colours.
+std::vector<RGBQUAD> DeviceColors(PixelLayout layout);
 
 }  // namespace Zelkor::Platform

@@ -45,6 +45,18 @@ std::span<const PALETTEENTRY> FixedColors() {
     return colors;
 }
 
+std::vector<RGBQUAD> DeviceColors(PixelLayout layout) {
+    if (layout == PixelLayout::Bits1) return {{0, 0, 0, 0}, {255, 255, 255, 0}};
+    if (layout != PixelLayout::Indexed8) return {};
+    std::vector<RGBQUAD> colors(kLargestPalette);
+    const std::span<const PALETTEENTRY> fixed = FixedColors();
+    for (std::size_t i = 0; i < fixed.size(); ++i) {
+        const std::size_t place = i < fixed.size() / 2 ? i : colors.size() - fixed.size() + i;
+        colors[place] = {fixed[i].peBlue, fixed[i].peGreen, fixed[i].peRed, 0};
+    }
+    return colors;
+}
+
 }  // namespace Zelkor::Platform
 
 using namespace Zelkor::Platform;
@@ -76,4 +88,11 @@ UINT RealizePalette(HDC hDC) {
     if (!context) return GDI_ERROR;
     if (!context->isPaletteDevice || context->isPaletteInBackground) return 0;
     return Realize(context->palette->entries, context->ownBitmap->colors);
+}
+
+COLORREF GetNearestColor(HDC hDC, COLORREF color) {
+    const Context* context = Find<Context>(hDC);
+    if (!context) return CLR_INVALID;
+    const Surface& surface = context->bitmap->surface;
+    return ColorFromBgr(BgrFromRaw(surface, RawFromBgr(surface, BgrFromColor(color))));
 }

@@ -1,28 +1,35 @@
-// Copies a rectangle of one surface to another: clipped, stretched, mirrored, converted, mixed.
+// Copies a rectangle of one surface to another: clipped, stretched, mirrored, converted, combined, mixed.
+//
+// Destination pixels without a source pixel inside the source stay as they are. Both surfaces may share
+// memory: all is as if the source were read first. Memory for a row of what is visible is all this takes,
+// and for a part of the source where it is stretched over itself.
 #pragma once
 
+#include "kalvo/raster/blitaxis.h"
+#include "kalvo/raster/rasteroperation.h"
 #include "kalvo/raster/surface.h"
 
 namespace Zelkor::Platform {
 
-// The columns, or rows, of both rectangles of a copy; either may reach outside its surface. Destination pixel
-// i takes source pixel floor(i x sourceSize / destinationSize). A negative size means the pixels before the
-// start, and one negative size of the two mirrors the picture. Starts and sizes fit 34 bits; where the two
-// sizes differ, 32.
-struct BlitAxis {
-    std::int64_t destination = 0;
-    std::int64_t destinationSize = 0;
-    std::int64_t source = 0;
-    std::int64_t sourceSize = 0;
-};
-
-// Destination pixels without a source pixel inside the source stay as they are. Memory for a row of what is
-// visible is all this takes. When both surfaces share memory, what is drawn there is not determined.
 void Blit(const Surface& destination, const Surface& source, const BlitAxis& columns, const BlitAxis& rows);
 
-// The same, but each component becomes (s x alpha + d x (255 - alpha)) / 255, rounded. 16-bit and indexed
-// destinations mix what their pixels show, and take the nearest pixel.
+// The bits of destination pixels become what an operation makes of them, of the bits that `Blit` would store,
+// and of those of `pattern`.
+void Combine(const Surface& destination, const Surface& source, const BlitAxis& columns, const BlitAxis& rows,
+             RasterOperation operation, RawPixel pattern);
+
+// The same in a box, with an operation that uses no source.
+void Combine(const Surface& destination, const Box& box, RasterOperation operation, RawPixel pattern);
+
+// Each component becomes (s x alpha + d x (255 - alpha)) / 255, rounded. 16-bit and indexed destinations mix
+// what their pixels show, and take the nearest pixel.
 void Blend(const Surface& destination, const Surface& source, const BlitAxis& columns, const BlitAxis& rows,
            std::uint8_t alpha);
+
+// The fourth byte of a source of 32 bits is how opaque its pixel is; the others were multiplied with that
+// before. With all four first multiplied with `alpha`, each component becomes s + d x (255 - fourth) / 255,
+// rounded, at most 255; the fourth byte of a destination of 32 bits, too.
+void BlendPremultiplied(const Surface& destination, const Surface& source, const BlitAxis& columns,
+                        const BlitAxis& rows, std::uint8_t alpha);
 
 }  // namespace Zelkor::Platform

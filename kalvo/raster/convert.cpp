@@ -131,20 +131,26 @@ void CopyPixels(PixelLayout layout, const std::uint8_t* source, int sourceX, std
 constexpr unsigned kMetBits = 12;
 
 // Black is right at any place, so with it no place is ever empty.
-NearestColors::NearestColors(std::span<const RGBQUAD> colors) : m_colors(colors) {
-    if (!colors.empty()) m_met.assign(1u << kMetBits, NearestEntry(colors, 0));
+NearestColors::NearestColors(std::span<const RGBQUAD> colors, std::optional<RawPixel> matched)
+    : m_colors(colors), m_matched(matched) {
+    if (!colors.empty()) m_met.assign(1u << kMetBits, Search(0));
+}
+
+unsigned NearestColors::Search(RawPixel bgr) const {
+    return m_matched ? bgr == *m_matched : NearestEntry(m_colors, bgr);
 }
 
 unsigned NearestColors::IndexOf(RawPixel bgr) {
     std::uint32_t& met = m_met[bgr * 0x9E3779B1u >> (32 - kMetBits)];
-    if (met >> 8 != bgr) met = bgr << 8 | NearestEntry(m_colors, bgr);
+    if (met >> 8 != bgr) met = bgr << 8 | Search(bgr);
     return met & 0xFF;
 }
 
 RowConverter::RowConverter(const Surface& source, const Surface& destination)
     : m_source(source.layout),
       m_copies(HaveSamePixels(source, destination)),
-      m_nearest(NeedsNearest(source, destination) ? destination.colors : std::span<const RGBQUAD>()),
+      m_nearest(NeedsNearest(source, destination) ? destination.colors : std::span<const RGBQUAD>(),
+                destination.matched),
       m_load(ForLayout(kLoads, source.layout)),
       m_store(
           ForLayout(IsIndexed(source.layout) ? kStoresFromIndexed : kStoresFromDirect, destination.layout)) {
@@ -156,7 +162,8 @@ RowConverter::RowConverter(const Surface& source, const Surface& destination)
 void RowConverter::FillTable(const Surface& source, const Surface& destination) {
     m_table.resize(256);
     const auto pixelOf = [&](std::size_t index) {
-        return RawFromBgr(destination, index < source.colors.size() ? BgrFromEntry(source.colors[index]) : 0);
+        const RawPixel bgr = BgrFromRaw(source, static_cast<RawPixel>(index));
+        return destination.matched ? bgr == *destination.matched : RawFromBgr(destination, bgr);
     };
     if (source.layout == PixelLayout::Bits1) {
         // Nothing meets the entries between; like this, black and white make a ramp.

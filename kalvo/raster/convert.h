@@ -1,6 +1,7 @@
 // Rows of pixels from one layout and colour table into another.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -19,11 +20,15 @@ void CopyPixels(PixelLayout layout, const std::uint8_t* source, int sourceX, std
 // comparing with 256 entries is slow.
 class NearestColors {
 public:
-    explicit NearestColors(std::span<const RGBQUAD> colors);
+    // 1 stands for `matched` alone, and 0 for everything else, when there is such a colour.
+    NearestColors(std::span<const RGBQUAD> colors, std::optional<RawPixel> matched);
     unsigned IndexOf(RawPixel bgr);
 
 private:
+    unsigned Search(RawPixel bgr) const;
+
     std::span<const RGBQUAD> m_colors;
+    std::optional<RawPixel> m_matched;
     std::vector<std::uint32_t> m_met;  // colour << 8 | index, at a place that follows from the colour
 };
 

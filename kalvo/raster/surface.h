@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "kalvo/base/win32types.h"
@@ -19,6 +20,9 @@ constexpr int BitsPerPixel(PixelLayout layout) {
 
 constexpr bool IsIndexed(PixelLayout layout) { return layout <= PixelLayout::Indexed8; }
 
+// A pixel as its bits: an index, a 16-bit word, or 0x00RRGGBB.
+using RawPixel = std::uint32_t;
+
 class Region;
 
 // A view of rows of pixels, without ownership. Row 0 is the top one; the pitch is negative for bottom-up
@@ -31,12 +35,10 @@ struct Surface {
     PixelLayout layout = PixelLayout::Bgrx32;
     std::span<const RGBQUAD> colors;  // indexed layouts only: 2 or up to 256 entries
     const Region* clip = nullptr;  // the pixels that drawing may change; null: all. Reading takes no notice
+    std::optional<RawPixel> matched = {};  // Bits1 only: what alone becomes 1 when others are copied there
 
     std::uint8_t* Row(int y) const { return topRow + y * pitchBytes; }
 };
-
-// A pixel as its bits: an index, a 16-bit word, or 0x00RRGGBB.
-using RawPixel = std::uint32_t;
 
 // Red, green and blue in the order of Bgr24 and Bgrx32: 0x00RRGGBB.
 constexpr RawPixel PackBgr(unsigned red, unsigned green, unsigned blue) {
@@ -65,6 +67,9 @@ constexpr RawPixel BgrFromColor(COLORREF color) {
 }
 constexpr COLORREF ColorFromBgr(RawPixel bgr) {
     return (bgr & 0xFF) << 16 | (bgr & 0xFF00) | (bgr >> 16 & 0xFF);
+}
+constexpr RGBQUAD EntryFromColor(COLORREF color) {
+    return {GetBValue(color), GetGValue(color), GetRValue(color), 0};
 }
 constexpr RawPixel BgrFromEntry(RGBQUAD entry) {
     return PackBgr(entry.rgbRed, entry.rgbGreen, entry.rgbBlue);
