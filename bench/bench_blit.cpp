@@ -1,4 +1,5 @@
 // Bitmaps drawn on a context of 1920 x 1080 pixels of 32 or 24 bits, beside copying the bytes of the result.
+
 #include <benchmark/benchmark.h>
 
 #include <cstring>

@@ -1,4 +1,5 @@
 // The byte kernels of every available instruction set, beside the loop over pixels one would write instead.
+
 #include "kalvo/kernels/kernels.h"
 
 #include <benchmark/benchmark.h>

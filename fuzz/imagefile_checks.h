@@ -16,7 +16,7 @@ namespace Zelkor::Kalvo::Fuzzing {
 
 using Inspector = std::unique_ptr<InspectedFile> (*)(const ImageFileReader&);
 
-/// Whether the bytes load into `region`; only failures with a code may stop that.
+// Whether the bytes load into `region`; only failures with a code may stop that.
 template <class Pixel>
 bool Loads(Inspector inspect, std::FILE* stream, KxROI<Pixel>& region) {
     try {
@@ -31,7 +31,7 @@ bool Loads(Inspector inspect, std::FILE* stream, KxROI<Pixel>& region) {
     }
 }
 
-/// An image whose bytes, padding included, are all the same.
+// An image whose bytes, padding included, are all the same.
 template <class Pixel>
 std::unique_ptr<KxImage<Pixel>> MakeGuard(int width, int height) {
     constexpr int kGuard = 0xA5;
@@ -41,7 +41,7 @@ std::unique_ptr<KxImage<Pixel>> MakeGuard(int width, int height) {
     return image;
 }
 
-/// What an image takes, a region of its size takes too, and leaves its neighbours alone.
+// What an image takes, a region of its size takes too, and leaves its neighbours alone.
 template <class Pixel>
 void CheckPixelType(Inspector inspect, std::FILE* stream) {
     KxImage<Pixel> image;
@@ -66,7 +66,7 @@ void CheckPixelType(Inspector inspect, std::FILE* stream) {
     }
 }
 
-/// Offers the bytes to every pixel type that files know.
+// Offers the bytes to every pixel type that files know.
 inline int CheckReader(Inspector inspect, const std::uint8_t* bytes, std::size_t count) {
     KxSetTraceMode(KX_TRACE_MODE_SILENT);
     if (count == 0) return 0;

@@ -6,7 +6,7 @@
 
 namespace Zelkor::Kalvo::Fuzzing {
 
-/// Ends the process, so that the fuzzing engine keeps the input.
+// Ends the process, so that the fuzzing engine keeps the input.
 inline void Require(bool condition, const char* what) {
     if (condition) return;
     std::fprintf(stderr, "broken: %s\n", what);

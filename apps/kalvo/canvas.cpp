@@ -1,4 +1,5 @@
 // A memory context with a bitmap of 32 bits a pixel.
+
 #include "canvas.h"
 
 #include <algorithm>

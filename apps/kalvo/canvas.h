@@ -6,7 +6,7 @@
 
 namespace App {
 
-/// A white picture, and a device context that draws on it. Throws when it can't be made.
+// A white picture, and a device context that draws on it. Throws when it can't be made.
 class Canvas {
 public:
     Canvas(int width, int height);
@@ -15,7 +15,7 @@ public:
     Canvas& operator=(const Canvas&) = delete;
 
     HDC Context() const { return m_context; }
-    /// The picture as an image on the same pixels.
+    // The picture as an image on the same pixels.
     KxImage<KxC24A>& Image() { return m_image; }
 
 private:
@@ -24,7 +24,7 @@ private:
     KxImage<KxC24A> m_image;
 };
 
-/// A pen, selected in a context while this lives.
+// A pen, selected in a context while this lives.
 class SelectedPen {
 public:
     SelectedPen(HDC context, int width, COLORREF color)

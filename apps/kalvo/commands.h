@@ -45,7 +45,7 @@ struct DrawOptions {
     std::string output;
     float zoom = 1;
     std::vector<Zelkor::Kalvo::GenericRoiExtent> regions;
-    std::vector<MaskShape> masks;  ///< of the first regions; without a region, one of the whole image
+    std::vector<MaskShape> masks;  // of the first regions; without a region, one of the whole image
     bool handles = false;
     std::optional<KxBW8Vector> table;
 };
@@ -55,7 +55,7 @@ struct PlotOptions {
     std::string output;
     std::optional<Zelkor::Kalvo::GenericRoiExtent> region;
     std::optional<int> row;
-    std::optional<int> column;  ///< without row and column: a histogram
+    std::optional<int> column;  // without row and column: a histogram
     PictureSize size;
 };
 
@@ -63,14 +63,14 @@ struct ResizeOptions {
     std::string input;
     std::string output;
     std::optional<PictureSize> size;
-    std::array<float, 2> scales{1, 1};  ///< without a size
+    std::array<float, 2> scales{1, 1};  // without a size
 };
 
 struct ReliefOptions {
     std::string input;
     std::string output;
-    std::string heights = {};              ///< another image; empty: the image itself
-    std::array<float, 2> angles{-40, 15};  ///< in degrees
+    std::string heights = {};              // another image; empty: the image itself
+    std::array<float, 2> angles{-40, 15};  // in degrees
     std::optional<std::array<float, 3>> scales = {};
     int pointSize = 9;
     std::optional<PictureSize> size = {};
@@ -79,8 +79,8 @@ struct ReliefOptions {
 struct CubeOptions {
     std::string input;
     std::string output;
-    std::string coordinates = {};           ///< another image; empty: the image itself
-    std::array<float, 2> angles{-155, 35};  ///< in degrees
+    std::string coordinates = {};           // another image; empty: the image itself
+    std::array<float, 2> angles{-155, 35};  // in degrees
     PictureSize size{600, 600};
 };
 
@@ -89,25 +89,25 @@ struct TourOptions {
     std::string folder = "kalvo-tour";
 };
 
-/// Tells what image files and archives hold.
+// Tells what image files and archives hold.
 int RunInfo(const ShowOptions& options);
-/// Prints the tree of objects of archives.
+// Prints the tree of objects of archives.
 int RunArchive(const ShowOptions& options);
-/// Loads an image, crops and converts it, and saves it.
+// Loads an image, crops and converts it, and saves it.
 int RunConvert(const ConvertOptions& options);
-/// Makes one image of the two fields of a video frame, and saves it.
+// Makes one image of the two fields of a video frame, and saves it.
 int RunFields(const FieldsOptions& options);
-/// Draws an image with frames, handles and masks of regions, and saves the picture as a PNG file.
+// Draws an image with frames, handles and masks of regions, and saves the picture as a PNG file.
 int RunDraw(const DrawOptions& options);
-/// Plots a row, a column or the histogram of an image, and saves the picture as a PNG file.
+// Plots a row, a column or the histogram of an image, and saves the picture as a PNG file.
 int RunPlot(const PlotOptions& options);
-/// Resamples an image, and saves it.
+// Resamples an image, and saves it.
 int RunResize(const ResizeOptions& options);
-/// Draws an image as a relief, and saves the picture.
+// Draws an image as a relief, and saves the picture.
 int RunRelief(const ReliefOptions& options);
-/// Draws the colours of an image in the colour cube, and saves the picture.
+// Draws the colours of an image in the colour cube, and saves the picture.
 int RunHistogram3d(const CubeOptions& options);
-/// Takes a picture through all that the library does, and checks it.
+// Takes a picture through all that the library does, and checks it.
 int RunTour(const TourOptions& options);
 
 }  // namespace App

@@ -1,4 +1,5 @@
 // Compares what images have besides their pixels.
+
 #include "comparison.h"
 
 #include <string_view>

@@ -17,7 +17,7 @@ bool SamePixels(const KxROI<Pixel>& first, const KxROI<Pixel>& second) {
     return true;
 }
 
-/// Mean difference in brightness of two images of one size, on the scale 0 to 255.
+// Mean difference in brightness of two images of one size, on the scale 0 to 255.
 template <class Pixel>
 double MeanDifference(const KxROI<Pixel>& first, const KxROI<Pixel>& second) {
     const auto brightness = [](const KxROI<Pixel>& region, int x, int y) {
@@ -30,14 +30,14 @@ double MeanDifference(const KxROI<Pixel>& first, const KxROI<Pixel>& second) {
     return sum / first.GetWidth() / first.GetHeight();
 }
 
-/// Whether the texts, narrow and UTF-16, are the same.
+// Whether the texts, narrow and UTF-16, are the same.
 bool SameTexts(const KxGenericROI& first, const KxGenericROI& second);
 
-/// Whether two trees have the same shape, and their objects the same type, placement, colour system and
-/// texts.
+// Whether two trees have the same shape, and their objects the same type, placement, colour system and
+// texts.
 bool SameTrees(KxGenericROI& first, KxGenericROI& second);
 
-/// Whether two images have the same pixel size in the same unit.
+// Whether two images have the same pixel size in the same unit.
 bool SamePixelSize(const KxGenericROI& first, const KxGenericROI& second);
 
 }  // namespace App

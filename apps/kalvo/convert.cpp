@@ -1,4 +1,5 @@
 // The command `convert`.
+
 #include "kalvo/frame/kxlibrary.h"
 #include "kalvo/measure/kxunit.h"
 #include "commands.h"

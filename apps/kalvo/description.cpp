@@ -1,4 +1,5 @@
 // Describes objects once, as JSON; both kinds of text are made from that.
+
 #include "description.h"
 
 #include <charconv>

@@ -1,4 +1,5 @@
 // The command `draw`.
+
 #include <deque>
 
 #include "commands.h"

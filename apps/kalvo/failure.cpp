@@ -1,4 +1,5 @@
 // The one place that prints failures.
+
 #include "failure.h"
 
 #include <iostream>

@@ -9,16 +9,16 @@
 
 namespace App {
 
-/// What went wrong, and the library's code for it.
+// What went wrong, and the library's code for it.
 struct Failure {
     std::string reason;
     int code;
 
-    /// The failure of that code, in the library's words.
+    // The failure of that code, in the library's words.
     static Failure Of(KX_ERRORS code) { return {KxGetErrorText(code), code}; }
 };
 
-/// Runs an operation of the library and returns its result; throws the failure that it leaves in the slot.
+// Runs an operation of the library and returns its result; throws the failure that it leaves in the slot.
 template <class Operation>
 auto Checked(const Operation& operation) {
     const auto checkSlot = [] {
@@ -35,10 +35,10 @@ auto Checked(const Operation& operation) {
     }
 }
 
-/// Prints the exception being handled as "kalvo: FILE: reason (code)" on the standard error stream.
+// Prints the exception being handled as "kalvo: FILE: reason (code)" on the standard error stream.
 Failure ReportCurrentFailure(const std::string& file);
 
-/// Runs what belongs to one file; reports the failure, if there is one, and returns it.
+// Runs what belongs to one file; reports the failure, if there is one, and returns it.
 template <class Operation>
 std::optional<Failure> Attempt(const std::string& file, const Operation& operation) {
     try {

@@ -1,4 +1,5 @@
 // The command `fields`.
+
 #include "commands.h"
 #include "failure.h"
 #include "image_file.h"

@@ -1,4 +1,5 @@
 // Finds the pixel type for a file by its description, and the format for a name by its extension.
+
 #include "image_file.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The program `kalvo`: reads the command line and runs a command.
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>

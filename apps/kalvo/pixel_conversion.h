@@ -9,7 +9,7 @@
 
 namespace App {
 
-/// Components from 0 (dark, clear) to 2^32 - 1 (bright, opaque). Grey light has three equal ones.
+// Components from 0 (dark, clear) to 2^32 - 1 (bright, opaque). Grey light has three equal ones.
 struct Light {
     std::uint32_t red;
     std::uint32_t green;
@@ -17,21 +17,21 @@ struct Light {
     std::uint32_t opacity = 0xFFFFFFFF;
 };
 
-/// Spreads `bits` bits over 32 by repeating them, so that all ones stay all ones and `Narrow` gives them
-/// back.
+// Spreads `bits` bits over 32 by repeating them, so that all ones stay all ones and `Narrow` gives them
+// back.
 constexpr std::uint32_t Widen(std::uint32_t value, int bits) {
     std::uint32_t wide = value << (32 - bits);
     for (int filled = bits; filled < 32; filled *= 2) wide |= wide >> filled;
     return wide;
 }
 
-/// The upper `bits` bits as a number of type `Value`.
+// The upper `bits` bits as a number of type `Value`.
 template <class Value>
 constexpr Value Narrow(std::uint32_t wide, int bits) {
     return static_cast<Value>(wide >> (32 - bits));
 }
 
-/// What the eye sees of the components, after the weights of the television standards.
+// What the eye sees of the components, after the weights of the television standards.
 constexpr std::uint32_t Brightness(const Light& light) {
     return static_cast<std::uint32_t>((299 * std::uint64_t{light.red} + 587 * std::uint64_t{light.green} +
                                        114 * std::uint64_t{light.blue}) /
@@ -64,7 +64,7 @@ constexpr Light ToLight(KxC24A pixel) {
             Widen(pixel.m_un8A, 8)};
 }
 
-/// Turns light into pixels; from `threshold` up, on the scale 0 to 255, a bilevel pixel is 1.
+// Turns light into pixels; from `threshold` up, on the scale 0 to 255, a bilevel pixel is 1.
 struct PixelMaker {
     int threshold;
 
@@ -96,7 +96,7 @@ struct PixelMaker {
     }
 };
 
-/// A new image of type `To` with the pixels of `source`.
+// A new image of type `To` with the pixels of `source`.
 template <class To, class From>
 std::unique_ptr<KxImage<To>> Convert(const KxROI<From>& source, const PixelMaker& maker) {
     const int width = source.GetWidth(), height = source.GetHeight();

@@ -1,4 +1,5 @@
 // The names of pixel types and file formats.
+
 #include "pixel_types.h"
 
 namespace App {

@@ -1,4 +1,5 @@
 // The command `plot`.
+
 #include "commands.h"
 #include "image_file.h"
 #include "region.h"

@@ -1,4 +1,5 @@
 // Collects the values of a plot and draws it.
+
 #include "plot_picture.h"
 
 #include <algorithm>

@@ -12,11 +12,11 @@ struct PictureSize {
     int height = 400;
 };
 
-/// Plots the pixels of a region, row by row, as one curve or, in 8 bits, as three of red, green and blue.
-/// Saves the picture as a PNG file. Failures are thrown, as below.
+// Plots the pixels of a region, row by row, as one curve or, in 8 bits, as three of red, green and blue.
+// Saves the picture as a PNG file. Failures are thrown, as below.
 void SaveProfile(KxGenericROI& region, PictureSize size, const std::string& path);
 
-/// Plots how many pixels of a region have each of 256 levels: of grey, or of red, green and blue.
+// Plots how many pixels of a region have each of 256 levels: of grey, or of red, green and blue.
 void SaveHistogram(KxGenericROI& region, PictureSize size, const std::string& path);
 
 }  // namespace App

@@ -1,4 +1,5 @@
 // Writes PNG files with libpng.
+
 #include "png_file.h"
 
 #include <png.h>

@@ -7,7 +7,7 @@
 
 namespace App {
 
-/// Saves the colours; the upper bytes of the pixels do not count. Failures are thrown.
+// Saves the colours; the upper bytes of the pixels do not count. Failures are thrown.
 void SavePng(const KxROI<KxC24A>& picture, const std::string& path);
 
 }  // namespace App

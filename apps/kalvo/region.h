@@ -7,8 +7,8 @@
 
 namespace App {
 
-/// Calls `operation` with the object, which must be an `As<Pixel>`, as that. Throws for other pixel types
-/// than those of files.
+// Calls `operation` with the object, which must be an `As<Pixel>`, as that. Throws for other pixel types
+// than those of files.
 template <template <class> class As, class Operation>
 void WithPixels(KxGenericROI& object, const Operation& operation) {
     const bool known = ForPixel<FilePixels>(object.GetType(), [&]<class Pixel>(std::type_identity<Pixel>) {
@@ -17,8 +17,8 @@ void WithPixels(KxGenericROI& object, const Operation& operation) {
     if (!known) throw Failure::Of(KX_ERROR_UNSUPPORTED_IMAGE_TYPE);
 }
 
-/// Attaches `region` to `parent` at that place. A region that sticks out is clipped by the library; here that
-/// is hardly what was meant, so it fails.
+// Attaches `region` to `parent` at that place. A region that sticks out is clipped by the library; here that
+// is hardly what was meant, so it fails.
 template <class Pixel>
 void AttachPart(KxROI<Pixel>& region, KxROI<Pixel>& parent, const Zelkor::Kalvo::GenericRoiExtent& part) {
     Checked([&] {

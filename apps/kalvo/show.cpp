@@ -1,4 +1,5 @@
 // The commands `info` and `archive`.
+
 #include <functional>
 #include <iostream>
 

@@ -1,5 +1,6 @@
 // The command `tour`: one photograph through conversions, image files, regions, masks, archives and pictures.
 // Every step prints a line and is checked.
+
 #include <algorithm>
 #include <filesystem>
 #include <iomanip>

@@ -1,4 +1,5 @@
 // The commands `resize`, `relief` and `histogram3d`.
+
 #include <algorithm>
 #include <array>
 #include <cmath>

@@ -1,4 +1,5 @@
 // Draws an image, the masks of its regions, and their frames.
+
 #include "tree_picture.h"
 
 #include <iterator>

@@ -11,11 +11,11 @@ namespace App {
 struct TreeStyle {
     float zoom = 1;
     bool handles = false;
-    const KxBW8Vector* table = nullptr;  ///< what grey values are shown as, for `KxBW8` images
+    const KxBW8Vector* table = nullptr;  // what grey values are shown as, for `KxBW8` images
 };
 
-/// Draws the image and, in a colour for each region below it, the mask as a shade and the frame on top; saves
-/// the picture as a PNG file. Failures are thrown.
+// Draws the image and, in a colour for each region below it, the mask as a shade and the frame on top; saves
+// the picture as a PNG file. Failures are thrown.
 void SaveTreePicture(KxGenericROI& image, const TreeStyle& style, const std::string& path);
 
 }  // namespace App

@@ -1,4 +1,5 @@
 // UTF-16 to UTF-8.
+
 #include "utf16.h"
 
 #include <cstdint>

@@ -5,7 +5,7 @@
 
 namespace App {
 
-/// The UTF-8 form; a surrogate without its other half becomes U+FFFD.
+// The UTF-8 form; a surrogate without its other half becomes U+FFFD.
 std::string Utf8FromUtf16(const unsigned short* text);
 
 }  // namespace App

@@ -8,8 +8,8 @@
 
 namespace Zelkor::Kalvo {
 
-/// Reads the header of `object` and returns the version of its record. Throws when another object or a later
-/// version stands there.
+// Reads the header of `object` and returns the version of its record. Throws when another object or a later
+// version stands there.
 template <class Object>
 unsigned ReadHeader(KxSerializer& stream, Object& object) {
     const KxSerializer::ObjectType type = ReadObjectType(stream);
@@ -20,7 +20,7 @@ unsigned ReadHeader(KxSerializer& stream, Object& object) {
     return version;
 }
 
-/// Writes header and record. A failure takes the stream back, and ends in the error slot and a trace.
+// Writes header and record. A failure takes the stream back, and ends in the error slot and a trace.
 template <class Object>
 void SaveObject(KxSerializer* pSerializer, Object& object, const char* traceName) {
     const auto save = [&] {
@@ -34,7 +34,7 @@ void SaveObject(KxSerializer* pSerializer, Object& object, const char* traceName
     AtBoundary(traceName, save, KX_ERROR_ARCHIVE_ACCESS);
 }
 
-/// Reads header and record; the same failures.
+// Reads header and record; the same failures.
 template <class Object>
 void LoadObject(KxSerializer* pSerializer, Object& object, const char* traceName) {
     const auto load = [&] {

@@ -15,14 +15,14 @@
 
 namespace Zelkor::Kalvo {
 
-/// What the walk needs to know of a class whose objects are archived.
+// What the walk needs to know of a class whose objects are archived.
 struct ArchivedClass {
     std::unique_ptr<KxGenericROI> (*create)();
     void (*makeEmpty)(KxGenericROI&);
-    void (*transferFields)(KxGenericROI&, KxSerializer&, unsigned version);  ///< what follows the placement
+    void (*transferFields)(KxGenericROI&, KxSerializer&, unsigned version);  // what follows the placement
 };
 
-/// The first so many of PixelTypes have object types.
+// The first so many of PixelTypes have object types.
 inline constexpr std::size_t kNumArchivedPixelTypes = std::tuple_size_v<PixelTypes> - 2;
 
 template <class Pixel, std::size_t index = 0>
@@ -33,7 +33,7 @@ constexpr std::size_t IndexOfPixelType() {
         return IndexOfPixelType<Pixel, index + 1>();
 }
 
-/// The object type of KxROI<Pixel> or KxImage<Pixel>; NoObject for the pixel types that have none.
+// The object type of KxROI<Pixel> or KxImage<Pixel>; NoObject for the pixel types that have none.
 template <class Object>
 constexpr KxSerializer::ObjectType ObjectTypeOf() {
     using Pixel = typename Object::PixelType;
@@ -43,7 +43,7 @@ constexpr KxSerializer::ObjectType ObjectTypeOf() {
     return static_cast<KxSerializer::ObjectType>(first + static_cast<int>(kIndex));
 }
 
-/// The same, throwing KX_ERROR_NEEDS_SPECIALIZATION for the pixel types that have none.
+// The same, throwing KX_ERROR_NEEDS_SPECIALIZATION for the pixel types that have none.
 template <class Object>
 KxSerializer::ObjectType RequireObjectTypeOf() {
     if constexpr (ObjectTypeOf<Object>() == KxSerializer::NoObject)
@@ -51,10 +51,10 @@ KxSerializer::ObjectType RequireObjectTypeOf() {
     return ObjectTypeOf<Object>();
 }
 
-/// The class of that object type; null when archives hold no such object.
+// The class of that object type; null when archives hold no such object.
 const ArchivedClass* FindArchivedClass(KxSerializer::ObjectType type);
 
-/// Runs a transfer on an open file of the caller. Failures end in the error slot, untraced.
+// Runs a transfer on an open file of the caller. Failures end in the error slot, untraced.
 template <class Operation>
 void WithOpenFile(std::FILE* file, int writing, const Operation& operation) {
     const auto run = [&] {
@@ -64,13 +64,13 @@ void WithOpenFile(std::FILE* file, int writing, const Operation& operation) {
     AtBoundary(nullptr, run, KX_ERROR_ARCHIVE_ACCESS);
 }
 
-/// Moves one object, its children and their children between memory and a stream.
+// Moves one object, its children and their children between memory and a stream.
 class RecordTransfer {
 public:
-    /// Deepest nesting of children, read and written.
+    // Deepest nesting of children, read and written.
     static constexpr std::size_t kMaxLevels = 1000;
 
-    /// The class `Object` (KxROI<Pixel> or KxImage<Pixel>) as an archived class.
+    // The class `Object` (KxROI<Pixel> or KxImage<Pixel>) as an archived class.
     template <class Object>
     static const ArchivedClass& ClassOf();
 
@@ -79,8 +79,8 @@ public:
     RecordTransfer& operator=(const RecordTransfer&) = delete;
     ~RecordTransfer();
 
-    /// Exchanges the record of `root`, without its header. When reading fails the object is left empty, and
-    /// the code of the first failure is thrown.
+    // Exchanges the record of `root`, without its header. When reading fails the object is left empty, and
+    // the code of the first failure is thrown.
     void Run(KxGenericROI& root, const ArchivedClass& rootClass, unsigned version);
 
 private:

@@ -1,4 +1,5 @@
 // Asks the processor; those of other families have none of these extensions.
+
 #include "kalvo/base/cpu.h"
 
 #if defined(__x86_64__) || defined(__i386__)

@@ -1,5 +1,5 @@
-// What the processor offers beyond its baseline, as far as the library asks.
 #pragma once
+// What the processor offers beyond its baseline, as far as the library asks.
 
 namespace Zelkor::Platform {
 

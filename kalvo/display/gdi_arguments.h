@@ -16,7 +16,7 @@ inline int LengthOf(std::string_view text) {
     return static_cast<int>(std::min<std::size_t>(text.size(), std::numeric_limits<int>::max()));
 }
 
-/// Coordinates truncated toward zero.
+// Coordinates truncated toward zero.
 inline std::vector<POINT> ToPoints(const DrawPointList& points) {
     std::vector<POINT> converted;
     converted.reserve(static_cast<std::size_t>(points.GetCount()));

@@ -7,12 +7,12 @@
 
 namespace Zelkor::Kalvo {
 
-/// Selects a pen, brush, font or bitmap; at the end of its life the previous one is selected back.
+// Selects a pen, brush, font or bitmap; at the end of its life the previous one is selected back.
 class SelectedObject {
 public:
     enum class Owner { Self, Other };
 
-    /// A null object selects nothing. With `Owner::Self` the object is deleted at the end.
+    // A null object selects nothing. With `Owner::Self` the object is deleted at the end.
     SelectedObject(HDC hdc, HGDIOBJ object, Owner owner)
         : m_hdc(hdc),
           m_owned(owner == Owner::Self ? object : nullptr),

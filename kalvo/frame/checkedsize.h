@@ -7,7 +7,7 @@
 
 namespace Zelkor::Kalvo {
 
-/// a * b; throws `error` when the product does not fit in 63 bits.
+// a * b; throws `error` when the product does not fit in 63 bits.
 inline std::uint64_t CheckedSize(std::uint64_t a, std::uint64_t b,
                                  KX_ERRORS error = KX_ERROR_BAD_FILE_FORMAT) {
     std::uint64_t product = 0;

@@ -1,5 +1,6 @@
 // The texts of this library's own codes, and the search through all tables. The wording is part
 // of the interface, so misspellings and double blanks stay as they are.
+
 #include "kalvo/frame/errortable.h"
 
 #include "kalvo/frame/kxerror_codes.h"

@@ -1,6 +1,6 @@
+#pragma once
 // The fixed English texts of the error codes, one sorted table per origin of the codes. Texts for
 // codes that have none are made where they are asked for.
-#pragma once
 
 #include <algorithm>
 #include <cstdint>

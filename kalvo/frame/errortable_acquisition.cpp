@@ -1,5 +1,6 @@
 // The texts of the frame-grabber acquisition library's codes, 14001 to 14300. This library never raises
 // them, but its text function serves the whole toolkit.
+
 #include "kalvo/frame/errortable.h"
 
 namespace Zelkor::Kalvo {

@@ -1,5 +1,6 @@
 // The texts of the analysis libraries' codes. This library never raises them, but its text function
 // serves the whole toolkit.
+
 #include "kalvo/frame/errortable.h"
 
 namespace Zelkor::Kalvo {
@@ -43,7 +44,7 @@ constexpr ErrorText kTexts[] = {
     {5003, "Object below the low threshold - Check the lighting or relax the tolerance"},
     {5004, "Object above the high threshold - Check for saturation or relax the tolerance"},
 
-    // Gray-level pattern matching and its model files
+    // Grey-level pattern matching and its model files
     {6000, "No pattern learned - Learn a pattern before matching"},
     {6001, "Pattern larger than the searched region - Use a smaller pattern or enlarge the region"},
     {6002, "Pattern too small - Learn a larger region"},

@@ -1,6 +1,6 @@
+#pragma once
 // The error codes shared by the whole toolkit. Their texts stand in errortable.cpp, the slot that
 // holds them in kxerror.h.
-#pragma once
 
 #include <cstdint>
 

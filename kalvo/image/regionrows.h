@@ -8,11 +8,11 @@
 
 namespace Zelkor::Kalvo {
 
-/// The rows of a region: where row 0 starts, and how far apart rows are.
+// The rows of a region: where row 0 starts, and how far apart rows are.
 template <class Byte>
 struct BasicRegionRows {
-    Byte* first = nullptr;  ///< byte that holds pixel (0, 0); null when there are no pixels
-    int firstBit = 0;       ///< bit of that byte, from the most significant, where the pixel starts
+    Byte* first = nullptr;  // byte that holds pixel (0, 0); null when there are no pixels
+    int firstBit = 0;       // bit of that byte, from the most significant, where the pixel starts
     std::ptrdiff_t pitchBytes = 0;
     int width = 0;
     int height = 0;
@@ -22,7 +22,7 @@ struct BasicRegionRows {
 using RegionRows = BasicRegionRows<std::uint8_t>;
 using ConstRegionRows = BasicRegionRows<const std::uint8_t>;
 
-/// Rows of `region`, to write to or to read from.
+// Rows of `region`, to write to or to read from.
 RegionRows RowsOf(KxGenericROI& region);
 ConstRegionRows RowsOf(const KxGenericROI& region);
 

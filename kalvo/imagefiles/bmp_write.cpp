@@ -14,14 +14,14 @@
 namespace Zelkor::Kalvo {
 namespace {
 
-/// The masks that a pixel type needs: none for types whose bit count says all.
+// The masks that a pixel type needs: none for types whose bit count says all.
 std::span<const std::uint32_t> MasksOf(KX_IMAGE_TYPES type) {
     if (type == KX_IMAGE_C15) return kBmpMasks555;
     if (type == KX_IMAGE_C16) return kBmpMasks565;
     return {};
 }
 
-/// Everything before the rows. `bits` is the width of a pixel in memory.
+// Everything before the rows. `bits` is the width of a pixel in memory.
 std::vector<std::uint8_t> MakeHeaders(const SaveSource& source, int bits, std::uint64_t stride) {
     const auto masks = MasksOf(source.format.type);
     const std::uint32_t colors = bits <= 8 ? 1u << bits : 0;

@@ -19,7 +19,7 @@ enum class FileLayout : std::uint8_t {
     BmpGray,
     BmpWords555,
     BmpWords565,
-    BmpWords16,  ///< 5, 5, 5 or 5, 6, 5 bits: the file does not tell
+    BmpWords16,  // 5, 5, 5 or 5, 6, 5 bits: the file does not tell
     BmpColor24,
     BmpWords32,
     JpegGray,
@@ -30,12 +30,12 @@ enum class FileLayout : std::uint8_t {
     JpegCut,
 };
 
-/// KX_OK when images of `destination` take pixels of that layout, else the code that tells why not.
-/// @param destination  KX_IMAGE_BW1 to KX_IMAGE_C24A
+// KX_OK when images of `destination` take pixels of that layout, else the code that tells why not.
+// @param destination  KX_IMAGE_BW1 to KX_IMAGE_C24A
 KX_ERRORS RefusalOf(FileLayout layout, KX_IMAGE_TYPES destination);
 
-/// The pixel type that keeps what a file tells; of layouts that no type takes, one whose refusal names the
-/// fault of the file.
+// The pixel type that keeps what a file tells; of layouts that no type takes, one whose refusal names the
+// fault of the file.
 KX_IMAGE_TYPES NaturalTypeOf(FileLayout layout);
 
 }  // namespace Zelkor::Kalvo

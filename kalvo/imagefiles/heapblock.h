@@ -11,8 +11,8 @@ namespace Zelkor::Kalvo {
 
 class HeapBlock {
 public:
-    /// Changes the size, keeping the bytes. Throws KX_ERROR_ALLOCATION, with the block unchanged.
-    /// @param size  in bytes, at least 1
+    // Changes the size, keeping the bytes. Throws KX_ERROR_ALLOCATION, with the block unchanged.
+    // @param size  in bytes, at least 1
     void Resize(std::uint64_t size) {
         void* moved = std::realloc(m_bytes.get(), size);
         if (!moved) throw Exception(KX_ERROR_ALLOCATION);
@@ -20,9 +20,9 @@ public:
         m_bytes.reset(static_cast<std::uint8_t*>(moved));
     }
 
-    /// The bytes; null until the first `Resize`.
+    // The bytes; null until the first `Resize`.
     std::uint8_t* Bytes() const { return m_bytes.get(); }
-    /// Gives the bytes away; `free` takes them.
+    // Gives the bytes away; `free` takes them.
     std::uint8_t* Release() { return m_bytes.release(); }
 
 private:

@@ -12,18 +12,18 @@
 
 namespace Zelkor::Kalvo {
 
-/// A file open for reading, whose every access is checked against its size. Small reads that follow one
-/// another cost no system call of their own.
+// A file open for reading, whose every access is checked against its size. Small reads that follow one
+// another cost no system call of their own.
 class ImageFileReader {
 public:
     explicit ImageFileReader(std::FILE* stream);
 
     std::uint64_t Size() const { return m_size; }
-    /// Throws KX_ERROR_FILE_READ unless the file holds `bytes` bytes at `offset`.
+    // Throws KX_ERROR_FILE_READ unless the file holds `bytes` bytes at `offset`.
     void Require(std::uint64_t offset, std::uint64_t bytes) const;
-    /// Fills `bytes` from `offset`; throws KX_ERROR_FILE_READ when the file ends before.
+    // Fills `bytes` from `offset`; throws KX_ERROR_FILE_READ when the file ends before.
     void Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
-    /// The little-endian value at `offset`; throws like `Read`.
+    // The little-endian value at `offset`; throws like `Read`.
     template <std::integral Value>
     Value Field(std::uint64_t offset) const {
         std::array<std::uint8_t, sizeof(Value)> bytes;

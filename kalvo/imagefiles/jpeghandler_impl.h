@@ -9,20 +9,20 @@
 
 namespace Zelkor::Kalvo {
 
-/// The JPEG stream of a field. It knows itself whether it owns its bytes.
+// The JPEG stream of a field. It knows itself whether it owns its bytes.
 class JpegField {
 public:
-    /// No field.
+    // No field.
     JpegField() = default;
-    /// Bytes of the caller; null is no field.
+    // Bytes of the caller; null is no field.
     JpegField(const std::uint8_t* lent, std::uint32_t size) : m_bytes(lent), m_size(size) {}
-    /// Bytes of its own.
+    // Bytes of its own.
     JpegField(HeapBlock owned, std::uint32_t size)
         : m_owned(std::move(owned)), m_bytes(m_owned.Bytes()), m_size(size), m_ownedSize(size) {}
 
-    /// The stream; without an address when there is none.
+    // The stream; without an address when there is none.
     FieldBytes Bytes() const { return m_bytes ? FieldBytes(m_bytes, m_size) : FieldBytes(); }
-    /// Whether there may be `size` bytes: who lends bytes knows how many there are.
+    // Whether there may be `size` bytes: who lends bytes knows how many there are.
     bool MayTakeSize(std::uint32_t size) const { return !m_owned.Bytes() || size <= m_ownedSize; }
     void SetSize(std::uint32_t size) { m_size = size; }
 
@@ -33,9 +33,9 @@ private:
     std::uint32_t m_ownedSize = 0;
 };
 
-/// The whole file as a field.
+// The whole file as a field.
 JpegField LoadFieldFile(const char* path);
-/// Writes the field as the whole file.
+// Writes the field as the whole file.
 void SaveFieldFile(const JpegField& field, const char* path);
 
 }  // namespace Zelkor::Kalvo
@@ -44,12 +44,12 @@ struct KxJpegHandler_Impl {
     static KxSerializer::ObjectType GetSerializationType() { return KxSerializer::JpegHandler; }
     static unsigned GetCurrentVersion() { return 1; }
 
-    /// Exchanges the record with the stream. A handler that cannot be read is empty.
+    // Exchanges the record with the stream. A handler that cannot be read is empty.
     void Serialize(KxSerializer* stream, unsigned version);
-    /// The same, reading into a new object.
+    // The same, reading into a new object.
     void TransferFields(KxSerializer& stream);
 
     Zelkor::Kalvo::JpegField upField;
     Zelkor::Kalvo::JpegField downField;
-    std::array<std::uint32_t, 2> timestamp{};  ///< kept for the caller; not archived
+    std::array<std::uint32_t, 2> timestamp{};  // kept for the caller; not archived
 };

@@ -17,7 +17,7 @@ using namespace Zelkor::Kalvo;
 
 namespace {
 
-/// The names under which an operation is traced.
+// The names under which an operation is traced.
 struct TraceNames {
     const char* narrow;
     const char* wide;
@@ -47,11 +47,11 @@ constexpr struct {
 template <class Pixel>
 constexpr bool kInFiles = PixelTraits<Pixel>::kImageType < std::ssize(kTraceNames);
 
-/// What a file of that pixel type loads into: a bilevel file only into an image.
+// What a file of that pixel type loads into: a bilevel file only into an image.
 template <class Pixel>
 using Loadable = std::conditional_t<std::is_same_v<Pixel, KxBW1>, KxImage<KxBW1>, KxROI<Pixel>>;
 
-/// What follows the last dot of a name, in lower case; empty unless it is three characters.
+// What follows the last dot of a name, in lower case; empty unless it is three characters.
 template <class Character>
 std::string ExtensionOf(const Character* name) {
     std::string extension;
@@ -70,7 +70,7 @@ std::string ExtensionOf(const Character* name) {
     return extension.size() == 3 ? extension : std::string();
 }
 
-/// An image file that was found, opened and inspected.
+// An image file that was found, opened and inspected.
 class ImageFile {
 public:
     template <class Character>
@@ -202,7 +202,7 @@ KxGenericROI* DescribeFile(const char* traceName, const Character* path, short& 
     });
 }
 
-/// Keeps the calling thread from showing traces.
+// Keeps the calling thread from showing traces.
 class TraceSilence {
 public:
     TraceSilence() : m_previous(KxGetTraceMode()) { KxSetTraceMode(KX_TRACE_MODE_SILENT); }

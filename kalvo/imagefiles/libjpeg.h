@@ -13,34 +13,34 @@
 
 namespace Zelkor::Platform {
 
-/// Why a step of work with libjpeg ended.
+// Why a step of work with libjpeg ended.
 enum class JpegFault {
     None,
-    Damaged,      ///< not a JPEG stream, or a broken one; also an image that none can hold
-    Cut,          ///< the stream ends too early
-    Unsupported,  ///< a kind of JPEG stream, or of conversion, that libjpeg does not know
+    Damaged,      // not a JPEG stream, or a broken one; also an image that none can hold
+    Cut,          // the stream ends too early
+    Unsupported,  // a kind of JPEG stream, or of conversion, that libjpeg does not know
     OutOfMemory,
-    BufferFull,  ///< only by `LeaveStep`
+    BufferFull,  // only by `LeaveStep`
 };
 
-/// libjpeg reports errors through a callback that must not return, and no exception may pass through its
-/// frames. So each piece of work with it is a step that may be left by a jump.
+// libjpeg reports errors through a callback that must not return, and no exception may pass through its
+// frames. So each piece of work with it is a step that may be left by a jump.
 class JpegErrors {
 public:
     JpegErrors();
     JpegErrors(const JpegErrors&) = delete;
     JpegErrors& operator=(const JpegErrors&) = delete;
 
-    /// What goes into the `err` field of a compressor or decompressor.
+    // What goes into the `err` field of a compressor or decompressor.
     jpeg_error_mgr* Manager() { return &m_callbacks.manager; }
 
-    /// Runs `kStep(job)`, which may call libjpeg but must not own anything: it may be left by a jump.
+    // Runs `kStep(job)`, which may call libjpeg but must not own anything: it may be left by a jump.
     template <auto kStep, class Job>
     [[nodiscard]] JpegFault Run(Job& job) {
         return Complete([](void* pJob) { kStep(*static_cast<Job*>(pJob)); }, &job);
     }
 
-    /// Leaves the step that is running; only for callbacks of libjpeg.
+    // Leaves the step that is running; only for callbacks of libjpeg.
     [[noreturn]] static void LeaveStep(j_common_ptr info, JpegFault fault);
 
 private:
@@ -58,7 +58,7 @@ private:
     Callbacks m_callbacks;
 };
 
-/// A decompressor that stops at errors and at too many scans.
+// A decompressor that stops at errors and at too many scans.
 struct JpegDecoder {
     JpegErrors errors;
     jpeg_decompress_struct info{};
@@ -69,14 +69,14 @@ struct JpegDecoder {
     JpegDecoder(const JpegDecoder&) = delete;
     JpegDecoder& operator=(const JpegDecoder&) = delete;
 
-    /// Begins the first step.
+    // Begins the first step.
     void Create();
-    /// Whether a stream of `bytes` bytes can hold the image that its header declares; an arithmetically coded
-    /// one may be shorter, so refuse those.
+    // Whether a stream of `bytes` bytes can hold the image that its header declares; an arithmetically coded
+    // one may be shorter, so refuse those.
     bool CanStandIn(std::uint64_t bytes) const;
 };
 
-/// A compressor that stops at errors.
+// A compressor that stops at errors.
 struct JpegEncoder {
     JpegErrors errors;
     jpeg_compress_struct info{};
@@ -91,8 +91,8 @@ struct JpegEncoder {
 
 namespace Zelkor::Kalvo {
 
-/// Throws the code of a fault in a file: KX_ERROR_ALLOCATION, KX_ERROR_FILE_READ when the stream ends too
-/// early, `otherwise` for all others.
+// Throws the code of a fault in a file: KX_ERROR_ALLOCATION, KX_ERROR_FILE_READ when the stream ends too
+// early, `otherwise` for all others.
 void RequireNoFault(Platform::JpegFault fault, KX_ERRORS otherwise);
 
 }  // namespace Zelkor::Kalvo

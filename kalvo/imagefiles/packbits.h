@@ -9,16 +9,16 @@
 
 namespace Zelkor::Kalvo {
 
-/// Appends the packed form of `bytes`, at most 1/128 longer than they are. Three or more equal bytes become a
-/// run, all others are copied.
+// Appends the packed form of `bytes`, at most 1/128 longer than they are. Three or more equal bytes become a
+// run, all others are copied.
 void AppendPackBits(std::vector<std::uint8_t>& packed, std::span<const std::uint8_t> bytes);
 
-/// Decodes packed bytes that come, and are asked for, in pieces of any size.
+// Decodes packed bytes that come, and are asked for, in pieces of any size.
 class PackBitsDecoder {
 public:
-    /// Takes what it needs from the front of `packed` to produce `count` bytes.
-    /// @param bytes  receives them; null to count only
-    /// @return the number of bytes produced; less than `count` only when `packed` is used up
+    // Takes what it needs from the front of `packed` to produce `count` bytes.
+    // @param bytes  receives them; null to count only
+    // @return the number of bytes produced; less than `count` only when `packed` is used up
     std::size_t Decode(std::span<const std::uint8_t>& packed, std::uint8_t* bytes, std::size_t count);
 
 private:

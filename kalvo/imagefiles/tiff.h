@@ -45,7 +45,7 @@ inline constexpr std::uint16_t kTiffNoUnit = 1;
 inline constexpr std::uint16_t kTiffInch = 2;
 inline constexpr std::uint16_t kTiffCentimetre = 3;
 
-/// A text of a region and the tag that holds it in a file.
+// A text of a region and the tag that holds it in a file.
 struct TiffText {
     TiffTag tag;
     const char* (KxGenericROI::*get)() const;

@@ -1,5 +1,5 @@
-// What the AVX2 kernels share: 32 bytes at a time, and the twin that does the ends of rows.
 #pragma once
+// What the AVX2 kernels share: 32 bytes at a time, and the twin that does the ends of rows.
 
 #include <immintrin.h>
 

@@ -1,5 +1,6 @@
 // Rows gathered by shuffles of 16 bytes. Measured: 5 to 20 times faster than pixel by pixel, where the gather
 // instructions gain nothing.
+
 #include "kalvo/kernels/gatherplan.h"
 #include "kalvo/kernels/kernels.h"
 

@@ -1,4 +1,5 @@
 // Rows gathered in plain C++, pixel by pixel, and the plan for the sets that take blocks.
+
 #include "kalvo/kernels/gatherplan.h"
 #include "kalvo/kernels/kernels.h"
 

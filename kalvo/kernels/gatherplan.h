@@ -1,5 +1,5 @@
-// Which pixels of one row make up another, in increasing order: worked out once, used for many rows.
 #pragma once
+// Which pixels of one row make up another, in increasing order: worked out once, used for many rows.
 
 #include <cstddef>
 #include <cstdint>

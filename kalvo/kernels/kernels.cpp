@@ -1,4 +1,5 @@
 // Chooses the kernels for the processor we run on: the list of instruction sets is here and nowhere else.
+
 #include "kalvo/kernels/kernels.h"
 
 #include "kalvo/base/cpu.h"

@@ -1,6 +1,6 @@
+#pragma once
 // The byte kernels: inner loops over rows of bytes and packed bits, one table of them per instruction set.
 // They know bytes and counts only; formats, regions and errors belong to their callers.
-#pragma once
 
 #include <cstddef>
 #include <cstdint>

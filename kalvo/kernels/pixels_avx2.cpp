@@ -1,4 +1,5 @@
 // The kernels for pixels of 8-bit components for AVX2; the ends of rows go to the portable twin.
+
 #include "kalvo/kernels/kernels.h"
 
 #if defined(__x86_64__)

@@ -1,4 +1,5 @@
 // The kernels for pixels of 8-bit components in plain C++; compilers make vector code of most of these loops.
+
 #include "kalvo/kernels/kernels.h"
 
 #include <cstring>

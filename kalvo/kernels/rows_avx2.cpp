@@ -1,5 +1,6 @@
 // The row kernels for AVX2. Each does the middle of a row in steps of 32 bytes; what is left over at the ends
 // goes to the portable twin.
+
 #include "kalvo/kernels/kernels.h"
 
 #if defined(__x86_64__)

@@ -1,4 +1,5 @@
 // The row kernels in plain C++: what runs where no better set does, and finishes the rows of the others.
+
 #include "kalvo/kernels/kernels.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The compression function of SHA-1 in plain C++.
+
 #include "kalvo/kernels/kernels.h"
 
 #include <bit>

@@ -1,4 +1,5 @@
 // The compression function of SHA-1 with the instructions made for it, four rounds at a time.
+
 #include "kalvo/kernels/kernels.h"
 
 #if defined(__x86_64__)

@@ -1,6 +1,6 @@
+#pragma once
 // KX_TARGET_BEGIN("avx2") ... KX_TARGET_END compiles every function between them, lambdas included, for that
 // instruction set. Includes go before the region: what headers define must stay in the baseline.
-#pragma once
 
 #define KX_PRAGMA(text) _Pragma(#text)
 

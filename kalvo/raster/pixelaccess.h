@@ -1,5 +1,5 @@
-// One small class per pixel layout that reads and stores a pixel of a row.
 #pragma once
+// One small class per pixel layout that reads and stores a pixel of a row.
 
 #include <cstring>
 #include <utility>

@@ -1,4 +1,5 @@
 // Sets of pixels: combining two of them, and finding the spans of a row.
+
 #include "kalvo/raster/region.h"
 
 #include <limits>

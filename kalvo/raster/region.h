@@ -1,5 +1,5 @@
-// Sets of pixels, kept as rows of spans. A surface may have one that drawing does not leave.
 #pragma once
+// Sets of pixels, kept as rows of spans. A surface may have one that drawing does not leave.
 
 #include <cstddef>
 #include <cstdint>

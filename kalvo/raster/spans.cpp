@@ -1,4 +1,5 @@
 // Exact arithmetic of shapes.
+
 #include "kalvo/raster/spans.h"
 
 #include <cmath>

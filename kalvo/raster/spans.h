@@ -1,7 +1,7 @@
+#pragma once
 // Exact arithmetic of shapes: runs of whole numbers, positions, boxes, and where a linear function is not
 // negative. Coordinates have 34 bits, so that three 32-bit ones can be added, and doubled in 64; products of
 // two or three of them need 128.
-#pragma once
 
 #include <algorithm>
 #include <cstdint>

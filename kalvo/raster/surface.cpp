@@ -1,4 +1,5 @@
 // Pixels of the six layouts: their colours, reading and storing one, filling a span of a row.
+
 #include "kalvo/raster/surface.h"
 
 #include <algorithm>

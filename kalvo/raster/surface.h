@@ -1,5 +1,5 @@
-// Pixels to draw into: where they are and how a colour becomes one. All drawing ends here.
 #pragma once
+// Pixels to draw into: where they are and how a colour becomes one. All drawing ends here.
 
 #include <cstddef>
 #include <cstdint>

@@ -8,7 +8,7 @@
 
 namespace Zelkor::Kalvo {
 
-/// Takes the last position off a stack. Throws KX_ERROR_FILE_ACCESS when there is none.
+// Takes the last position off a stack. Throws KX_ERROR_FILE_ACCESS when there is none.
 template <class Position>
 Position PopPosition(std::vector<Position>& positions) {
     if (positions.empty()) throw Exception(KX_ERROR_FILE_ACCESS);
@@ -17,7 +17,7 @@ Position PopPosition(std::vector<Position>& positions) {
     return position;
 }
 
-/// Takes a stream back to where it stood, unless the work was done and `Keep` said so.
+// Takes a stream back to where it stood, unless the work was done and `Keep` said so.
 class StreamRewinder {
 public:
     explicit StreamRewinder(KxSerializer& stream) : m_stream(&stream) { stream.PushStreamPos(); }
@@ -32,10 +32,10 @@ public:
         }
     }
 
-    /// Leaves the stream where it is now.
+    // Leaves the stream where it is now.
     void Keep() { std::exchange(m_stream, nullptr)->PopAndForgetStreamPos(); }
 
-    /// Goes back at once. Throws KX_ERROR_FILE_ACCESS when the stream cannot.
+    // Goes back at once. Throws KX_ERROR_FILE_ACCESS when the stream cannot.
     void Rewind() { std::exchange(m_stream, nullptr)->PopAndApplyStreamPos(); }
 
 private:

@@ -31,7 +31,7 @@ template <> inline constexpr std::uint8_t kVectorTypeCode<KxRun> = 6;
 template <> inline constexpr std::uint8_t kVectorTypeCode<KxINT32> = 7;
 // clang-format on
 
-/// Signature, type code, format version, and the XOR of the three.
+// Signature, type code, format version, and the XOR of the three.
 using VectorFileHeader = std::array<std::uint8_t, 4>;
 
 template <class T>
@@ -41,7 +41,7 @@ constexpr VectorFileHeader MakeVectorFileHeader(std::uint8_t version) {
     return {kSignature, kCode, version, static_cast<std::uint8_t>(kSignature ^ kCode ^ version)};
 }
 
-/// How elements stand in a file: as they lie in memory, in every version.
+// How elements stand in a file: as they lie in memory, in every version.
 template <class T>
 class ElementFormat {
 public:
@@ -50,17 +50,17 @@ public:
     explicit ElementFormat(unsigned) {}
     std::uint64_t BytesPerElement() const { return sizeof(T); }
     bool CanHold(std::span<const T>) const { return true; }
-    /// Returns the number of elements written.
+    // Returns the number of elements written.
     std::size_t Write(std::FILE* stream, std::span<const T> elements) const {
         return elements.empty() ? 0 : std::fwrite(elements.data(), sizeof(T), elements.size(), stream);
     }
-    /// Returns the number of whole elements read.
+    // Returns the number of whole elements read.
     std::size_t Read(std::FILE* stream, std::span<T> elements) const {
         return elements.empty() ? 0 : std::fread(elements.data(), sizeof(T), elements.size(), stream);
     }
 };
 
-/// Runs: two addresses, then x and y. An address takes 4 bytes, in version 2 it takes 8.
+// Runs: two addresses, then x and y. An address takes 4 bytes, in version 2 it takes 8.
 template <>
 class ElementFormat<KxRun> {
 public:
@@ -68,7 +68,7 @@ public:
 
     explicit ElementFormat(unsigned version) : m_addressBytes(version == 2 ? 8 : 4) {}
     std::uint64_t BytesPerElement() const { return 2 * m_addressBytes + 4; }
-    /// Whether the addresses of all runs fit.
+    // Whether the addresses of all runs fit.
     bool CanHold(std::span<const KxRun> runs) const;
     std::size_t Write(std::FILE* stream, std::span<const KxRun> runs) const;
     std::size_t Read(std::FILE* stream, std::span<KxRun> runs) const;
@@ -97,7 +97,7 @@ std::array<std::uint8_t, kBytes> ReadBytes(std::FILE* stream) {
     return bytes;
 }
 
-/// Writes count and elements; nothing when the version cannot hold them.
+// Writes count and elements; nothing when the version cannot hold them.
 template <class T>
 void WriteElements(std::FILE* stream, const KxVectorTemplate<T>& vector, unsigned version) {
     const ElementFormat<T> format(version);
@@ -109,20 +109,20 @@ void WriteElements(std::FILE* stream, const KxVectorTemplate<T>& vector, unsigne
     if (format.Write(stream, elements) != elements.size()) throw Exception(KX_ERROR_FILE_WRITE);
 }
 
-/// Bytes from here to the end of the file; nothing for pipes and the like, which do not tell.
+// Bytes from here to the end of the file; nothing for pipes and the like, which do not tell.
 inline std::optional<std::uint64_t> BytesLeft(std::FILE* stream) {
     const std::int64_t size = Platform::SizeOf(stream);
     if (size < 0) return std::nullopt;
     return static_cast<std::uint64_t>(std::max<std::int64_t>(size - Platform::Position(stream), 0));
 }
 
-/// Bytes that a count may declare when `present` bytes are known to exist. A file cut short keeps its count,
-/// but a forged count of 4 GiB must cost a comparison, not memory.
+// Bytes that a count may declare when `present` bytes are known to exist. A file cut short keeps its count,
+// but a forged count of 4 GiB must cost a comparison, not memory.
 constexpr std::uint64_t BelievableBytes(std::uint64_t present) {
     return std::max<std::uint64_t>(1 << 20, present > UINT64_MAX / 16 ? UINT64_MAX : 16 * present);
 }
 
-/// Gives the vector exactly `count` elements, keeping those it has.
+// Gives the vector exactly `count` elements, keeping those it has.
 template <class T>
 void Resize(KxVectorTemplate<T>& vector, unsigned count) {
     vector.SetMaxElements(count, 1);
@@ -133,7 +133,7 @@ void Resize(KxVectorTemplate<T>& vector, unsigned count) {
     vector.SetNumElements(count);
 }
 
-/// Replaces the elements by those of the stream. When it ends early the missing ones are zero.
+// Replaces the elements by those of the stream. When it ends early the missing ones are zero.
 template <class T>
 void ReadElements(std::FILE* stream, KxVectorTemplate<T>& vector, unsigned version) {
     const ElementFormat<T> format(version);

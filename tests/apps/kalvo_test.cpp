@@ -1,4 +1,5 @@
 // The program `kalvo` from outside: what it writes, says and returns.
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -28,7 +29,7 @@ struct Outcome {
     std::string errors;
 };
 
-/// Width and height of a picture, as its file says.
+// Width and height of a picture, as its file says.
 std::pair<int, int> PngSize(const Bytes& file) {
     return file.size() < 24 ? std::pair(0, 0) : std::pair(file[18] << 8 | file[19], file[22] << 8 | file[23]);
 }
@@ -52,7 +53,7 @@ protected:
 
     std::string Path(const std::string& name) const { return folder.File(name); }
 
-    /// Runs the program in the folder.
+    // Runs the program in the folder.
     Outcome Run(const std::string& arguments) const {
         const std::string command =
             "cd '" + Path("") + "' && '" KALVO_PROGRAM "' " + arguments + " >out.log 2>err.log";

@@ -1,4 +1,5 @@
 // The clock, integer scaling, thread-local slots and recursive locks.
+
 #include "kalvo/base/clock.h"
 
 #include <gtest/gtest.h>

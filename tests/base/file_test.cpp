@@ -1,4 +1,5 @@
 // Files with UTF-16 names, their size and position, and how their end is reported.
+
 #include "kalvo/base/file.h"
 
 #include <gtest/gtest.h>

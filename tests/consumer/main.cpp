@@ -1,4 +1,5 @@
 // Uses the installed library as an application does: types, globals, files, and classes derived from its own.
+
 #include <kalvo/kalvo.h>
 
 #include <cstdio>

@@ -1,4 +1,5 @@
 // Lists of points.
+
 #include "kalvo/display/kxdrawadapter.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // Drawing on a device context: pixels, shapes, texts, images, and what the context is left like.
+
 #include "kalvo/display/kxgdidrawadapter.h"
 
 #include <climits>

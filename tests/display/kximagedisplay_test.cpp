@@ -1,4 +1,5 @@
 // The drawing members of regions, the older display functions, masks, and images lent out to draw into.
+
 #include "kalvo/display/kximagedisplay.h"
 
 #include <algorithm>

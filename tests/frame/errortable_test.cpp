@@ -1,4 +1,5 @@
 // The error texts: the wording that is easy to "correct" by mistake, and which codes have a text at all.
+
 #include "kalvo/frame/errortable.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // The error slot, the texts of its codes, and how exceptions end in it.
+
 #include "kalvo/frame/kxerror.h"
 
 #include <new>

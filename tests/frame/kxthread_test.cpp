@@ -1,4 +1,5 @@
 // The per-thread record from first use to thread end, the library's life cycle, and its settings.
+
 #include "kalvo/frame/kxthread.h"
 
 #include <climits>

@@ -1,5 +1,6 @@
 // Bitmaps copied, converted, stretched and mixed, against a slow loop over single pixels that knows the
 // rules.
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

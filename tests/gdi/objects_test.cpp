@@ -1,4 +1,5 @@
 // Handles, what is selected into a context, and palettes.
+
 #include <gtest/gtest.h>
 
 #include <vector>

@@ -1,4 +1,5 @@
 // Regions behind handles, and contexts that draw in one.
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // Texts: what they measure, where their pixels go, which bytes are which characters, what is kept of faces.
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // BMP files: their exact bytes, what loads from them, and files that must be refused.
+
 #include <array>
 #include <climits>
 #include <filesystem>
@@ -22,7 +23,7 @@ namespace {
 using namespace Testing;
 using Words = std::vector<std::uint32_t>;
 
-/// A file of 2 x 2 pixels of 24 bits, before something is changed.
+// A file of 2 x 2 pixels of 24 bits, before something is changed.
 struct BmpFile {
     std::uint32_t headerBytes = 40;  // 12: the short header, without what follows the bit count
     std::int32_t width = 2, height = 2;
@@ -62,7 +63,7 @@ protected:
         return static_cast<KX_ERRORS>(KxLoadImage(&image, folder.Write("a.bmp", bytes).c_str(), type));
     }
 
-    /// Two rows of pixels, from the top, and the file that holds exactly them.
+    // Two rows of pixels, from the top, and the file that holds exactly them.
     template <class Pixel>
     void ExpectBothWays(const Bytes& pixels, const BmpFile& file) {
         KxImage<Pixel> image(file.width, 2), loaded;

@@ -1,4 +1,5 @@
 // Choosing and detecting formats, and what the entry points of image files have in common.
+
 #include "kalvo/imagefiles/kximagefile.h"
 
 #include <cstdint>

@@ -1,4 +1,5 @@
 // JPEG files: what is written, what loads, and files that must be refused.
+
 #include <malloc.h>
 #include <sys/resource.h>
 

@@ -1,4 +1,5 @@
 // The JPEG codec: what it answers, and that it touches only the pixels and bytes it was given.
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,7 +17,7 @@ using Kalvo::Testing::Bytes;
 constexpr int kWidth = 40, kHeight = 24, kGap = 5, kPitch = 3 * kWidth + kGap;
 constexpr std::uint8_t kGuard = 0xA5;
 
-/// A record that reads a stream into rows with gaps between them, as `change` may alter it.
+// A record that reads a stream into rows with gaps between them, as `change` may alter it.
 struct Reading {
     explicit Reading(const Bytes& jpeg, void (*change)(JPEG_CORE_PROPERTIES&) = nullptr) : stream(jpeg) {
         ijlInit(&properties);

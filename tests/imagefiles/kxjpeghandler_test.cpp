@@ -1,4 +1,5 @@
 // The JPEG field handler: interlaced decoding, field files, archives, and what must be refused.
+
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -29,7 +30,7 @@ KX_ERRORS Decode(Bytes up, Bytes down, KxImage<KxC24>& image, int mode = KxJpegH
     return CodeThrownBy([&] { handler.DecompressToImage(image, scaling); });
 }
 
-/// What a handler archives.
+// What a handler archives.
 Bytes Archived(const KxJpegHandler& handler) {
     return Written([&](KxSerializer& stream) { handler.Save(&stream); });
 }

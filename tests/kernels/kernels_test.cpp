@@ -1,4 +1,5 @@
 // Every available set of kernels against a slow, obvious reference; the portable set is one of them.
+
 #include "kalvo/kernels/kernels.h"
 
 #include "kalvo/base/cpu.h"

@@ -1,4 +1,5 @@
 // A plug-in that uses the library, for a host that does not link it.
+
 #include <kalvo/kalvo.h>
 
 #include <cstring>
@@ -19,8 +20,8 @@ bool Draw() {
 
 }  // namespace
 
-/// The first difference between the state of a library just loaded and what a thread of it sees; empty when
-/// there is none. The state is changed before it returns.
+// The first difference between the state of a library just loaded and what a thread of it sees; empty when
+// there is none. The state is changed before it returns.
 extern "C" KX_API const char* UseLibrary(int bFirstThread) {
     if (KxGetError() != KX_OK) return "an error";
     if (KxGetTraceMode() != KX_TRACE_MODE_MESSAGE) return "a trace mode";

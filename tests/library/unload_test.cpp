@@ -1,4 +1,5 @@
 // The library as a plug-in brings it: loaded and unloaded again and again, while threads come and go.
+
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 

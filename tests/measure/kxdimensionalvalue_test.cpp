@@ -1,4 +1,5 @@
 // Dimensional values: conversion, and the three versions of the archive record byte by byte.
+
 #include "kalvo/measure/kxdimensionalvalue.h"
 
 #include <string>

@@ -1,4 +1,5 @@
 // Blocks of pointers and data, and the array class on top of them.
+
 #include "kalvo/measure/kxmultidimarray.h"
 
 #include <gtest/gtest.h>

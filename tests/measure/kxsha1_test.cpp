@@ -1,4 +1,5 @@
 // Known digests, messages in pieces, the folded form.
+
 #include "kalvo/measure/kxsha1.h"
 
 #include <gtest/gtest.h>

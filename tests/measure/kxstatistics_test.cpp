@@ -1,4 +1,5 @@
 // The ring of samples and its statistics, the stopwatch, and the steps of a search.
+
 #include "kalvo/measure/kxstatistics.h"
 
 #include <climits>

@@ -1,4 +1,5 @@
 // Length units: the predefined ones to the bit, both forms of the name, and conversion.
+
 #include "kalvo/measure/kxunit.h"
 
 #include <bit>

@@ -1,4 +1,5 @@
 // Pixel types as the formats rely on them: sizes, memory order, numbers, texts.
+
 #include "kalvo/pixels/kxpixel.h"
 
 #include <gtest/gtest.h>

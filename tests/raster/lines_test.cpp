@@ -1,4 +1,5 @@
 // Pixels and spans in all layouts, and thin lines against the rule that says which pixels they have.
+
 #include "kalvo/raster/lines.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // Archive streams: what the three kinds share, what each does alone, and streams of other makers.
+
 #include "kalvo/streams/kxserializer.h"
 
 #include <filesystem>

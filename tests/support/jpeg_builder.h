@@ -11,7 +11,7 @@
 
 namespace Zelkor::Kalvo::Testing {
 
-/// A stream of 40 x 24 pixels, unless `change` sets another size; it may set all other parameters too.
+// A stream of 40 x 24 pixels, unless `change` sets another size; it may set all other parameters too.
 inline Bytes MakeJpeg(int components, const std::function<void(j_compress_ptr)>& change = {}) {
     jpeg_compress_struct info;
     jpeg_error_mgr errors;
@@ -39,7 +39,7 @@ inline Bytes MakeJpeg(int components, const std::function<void(j_compress_ptr)>&
     return bytes;
 }
 
-/// One scan for every coefficient, and one more for its last bit: 128 scans.
+// One scan for every coefficient, and one more for its last bit: 128 scans.
 inline Bytes MakeJpegOfManyScans() {
     std::vector<jpeg_scan_info> scans;
     for (const int lastBit : {1, 0})
@@ -47,14 +47,14 @@ inline Bytes MakeJpegOfManyScans() {
     return MakeJpeg(1, [&](j_compress_ptr info) { info->scan_info = scans.data(), info->num_scans = 128; });
 }
 
-/// Where the segment of a marker starts.
+// Where the segment of a marker starts.
 inline std::size_t FindSegment(const Bytes& bytes, std::uint8_t marker) {
     std::size_t i = 2;
     while (bytes.at(i + 1) != marker) i += 2 + bytes.at(i + 2) * 256 + bytes.at(i + 3);
     return i;
 }
 
-/// The bytes with others written over them.
+// The bytes with others written over them.
 inline Bytes Changed(Bytes bytes, std::size_t position, const Bytes& replacement) {
     std::copy(replacement.begin(), replacement.end(), bytes.begin() + position);
     return bytes;

@@ -15,7 +15,7 @@ namespace Zelkor::Kalvo::Testing {
 
 constexpr COLORREF kPaper = RGB(10, 200, 90);
 
-/// A context with a 32-bit bitmap, filled with paper.
+// A context with a 32-bit bitmap, filled with paper.
 class Screen {
 public:
     static constexpr int width = 70, height = 60;
@@ -34,7 +34,7 @@ public:
                 GetRValue(kPaper) << 16 | GetGValue(kPaper) << 8 | GetBValue(kPaper);
     }
     COLORREF operator()(int x, int y) const { return GetPixel(hdc, x, y); }
-    /// How many pixels are not paper.
+    // How many pixels are not paper.
     int Marks() const {
         int marks = 0;
         for (int i = 0; i < width * height; ++i) marks += (*this)(i % width, i / width) != kPaper;
@@ -48,7 +48,7 @@ private:
     void* m_bits = nullptr;
 };
 
-/// The colour that a device shows for a pixel.
+// The colour that a device shows for a pixel.
 inline COLORREF Shown(int red, int green, int blue) {
     return RGB(static_cast<BYTE>(red), static_cast<BYTE>(green), static_cast<BYTE>(blue));
 }
@@ -65,14 +65,14 @@ inline COLORREF ShownColor(KxC16 v) {
 inline COLORREF ShownColor(KxC24 pixel) { return Shown(pixel.m_un8C0, pixel.m_un8C1, pixel.m_un8C2); }
 inline COLORREF ShownColor(KxC24A pixel) { return Shown(pixel.m_un8C0, pixel.m_un8C1, pixel.m_un8C2); }
 
-/// `alpha` of 255 parts of `over` on the paper.
+// `alpha` of 255 parts of `over` on the paper.
 inline COLORREF OnPaper(COLORREF over, int alpha) {
     const auto mix = [alpha](int s, int d) { return (s * alpha + d * (255 - alpha) + 127) / 255; };
     return Shown(mix(GetRValue(over), GetRValue(kPaper)), mix(GetGValue(over), GetGValue(kPaper)),
                  mix(GetBValue(over), GetBValue(kPaper)));
 }
 
-/// Expects the pixels of `region` as `colorOf` says, zoomed, with their corner at (left, top), and paper.
+// Expects the pixels of `region` as `colorOf` says, zoomed, with their corner at (left, top), and paper.
 template <class Pixel, class ColorOf>
 void ExpectPicture(const Screen& screen, const KxROI<Pixel>& region, float zoomX, float zoomY, int left,
                    int top, const ColorOf& colorOf) {
@@ -89,7 +89,7 @@ void ExpectPicture(const Screen& screen, const KxROI<Pixel>& region, float zoomX
     }
 }
 
-/// What operations must leave as it was.
+// What operations must leave as it was.
 inline auto StateOf(HDC hdc) {
     POINT origin{};
     GetViewportOrgEx(hdc, &origin);
@@ -99,7 +99,7 @@ inline auto StateOf(HDC hdc) {
                       GetTextAlign(hdc), origin.x, origin.y);
 }
 
-/// Notes which images and pixels it is asked to draw.
+// Notes which images and pixels it is asked to draw.
 struct NotingSurface final : GDIDrawAdapter {
     using GDIDrawAdapter::GDIDrawAdapter;
     void SetPixel(int x, int y, const RGBColor& color, double alpha) override {

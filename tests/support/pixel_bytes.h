@@ -10,12 +10,12 @@
 
 namespace Zelkor::Kalvo::Testing {
 
-/// Bytes that a row of pixels takes; rows of bits end with a partly used one.
+// Bytes that a row of pixels takes; rows of bits end with a partly used one.
 inline std::size_t RowBytes(const KxGenericROI& region) {
     return (static_cast<std::size_t>(region.GetWidth()) * region.GetBitsPerPixel() + 7) / 8;
 }
 
-/// All pixels; unused bits at the end of a row are 0.
+// All pixels; unused bits at the end of a row are 0.
 inline Bytes PixelBytes(const KxGenericROI& region) {
     const ConstRegionRows rows = RowsOf(region);
     const std::size_t rowBytes = RowBytes(region),
@@ -26,7 +26,7 @@ inline Bytes PixelBytes(const KxGenericROI& region) {
     return bytes;
 }
 
-/// Stores what `PixelBytes` gives.
+// Stores what `PixelBytes` gives.
 inline void SetPixelBytes(KxGenericROI& region, const Bytes& bytes) {
     const RegionRows rows = RowsOf(region);
     const std::size_t rowBytes = RowBytes(region),
@@ -35,7 +35,7 @@ inline void SetPixelBytes(KxGenericROI& region, const Bytes& bytes) {
         Kernels::Active().copyBits(bytes.data() + rowBytes * y, 0, rows.Row(y), rows.firstBit, bits);
 }
 
-/// Fills a region with noise; another seed gives other noise.
+// Fills a region with noise; another seed gives other noise.
 inline void FillPattern(KxGenericROI& region, unsigned seed) {
     std::minstd_rand random(seed);
     Bytes bytes(RowBytes(region) * region.GetHeight());
@@ -43,7 +43,7 @@ inline void FillPattern(KxGenericROI& region, unsigned seed) {
     SetPixelBytes(region, bytes);
 }
 
-/// Same size and same pixels.
+// Same size and same pixels.
 inline bool SamePixels(const KxGenericROI& a, const KxGenericROI& b) {
     return a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight() && PixelBytes(a) == PixelBytes(b);
 }

@@ -16,13 +16,13 @@ struct AsTypes<std::tuple<Pixel...>> {
     using Types = testing::Types<Pixel...>;
 };
 
-/// All fifteen.
+// All fifteen.
 using AllPixels = AsTypes<PixelTypes>::Types;
 
-/// Those that image files hold, in the order of their numbers.
+// Those that image files hold, in the order of their numbers.
 using FilePixels = testing::Types<KxBW1, KxBW8, KxBW16, KxBW32, KxC15, KxC16, KxC24, KxC24A>;
 
-/// A pixel whose bytes are `seed`, `seed` + 1, ...
+// A pixel whose bytes are `seed`, `seed` + 1, ...
 template <class Pixel>
 Pixel SamplePixel(unsigned seed) {
     unsigned char bytes[sizeof(Pixel)];
@@ -37,7 +37,7 @@ inline KxBW1 SamplePixel<KxBW1>(unsigned seed) {
     return KxBW1(static_cast<int>(seed % 2));
 }
 
-/// Whether two pixels have the same bytes.
+// Whether two pixels have the same bytes.
 template <class Pixel>
 bool SameBytes(const Pixel& a, const Pixel& b) {
     return std::memcmp(static_cast<const void*>(&a), static_cast<const void*>(&b), sizeof(Pixel)) == 0;

@@ -1,4 +1,5 @@
 // Takes the place of the allocation functions in every test program that makes memory short.
+
 #include "tests/support/short_memory.h"
 
 #include <atomic>

@@ -5,7 +5,7 @@
 
 namespace Zelkor::Kalvo::Testing {
 
-/// While it lives, blocks of so many bytes or more are refused, on every thread.
+// While it lives, blocks of so many bytes or more are refused, on every thread.
 class ShortMemory {
 public:
     explicit ShortMemory(std::size_t bytes = 0);

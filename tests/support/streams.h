@@ -17,7 +17,7 @@ inline Stream ReaderOf(const Bytes& bytes) {
     return Stream(KxSerializer::CreateMemoryReader(bytes.data(), static_cast<unsigned>(bytes.size())));
 }
 
-/// What `write` puts into a stream.
+// What `write` puts into a stream.
 template <class Operation>
 Bytes Written(Operation write) {
     KxMemSerializer writer;
@@ -36,7 +36,7 @@ KX_ERRORS CodeThrownBy(Operation operation) {
     return KX_OK;
 }
 
-/// Archives into a vector and notes the transfers. Reading too far, it fails in a way of its own.
+// Archives into a vector and notes the transfers. Reading too far, it fails in a way of its own.
 struct CountingStream : KxOpaqueSerializer {
     explicit CountingStream(bool isWriting, Bytes contents = {})
         : bytes(std::move(contents)), writing(isWriting) {}

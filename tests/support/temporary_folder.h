@@ -17,18 +17,18 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    /// Path of a file in the folder.
+    // Path of a file in the folder.
     std::string File(const std::string& name) const { return (m_path / name).string(); }
-    /// Writes a file and returns its path.
+    // Writes a file and returns its path.
     std::string Write(const std::string& name, const Bytes& contents) const;
-    /// The bytes of a file in the folder.
+    // The bytes of a file in the folder.
     Bytes Read(const std::string& name) const;
 
 private:
     std::filesystem::path m_path;
 };
 
-/// The UTF-16 form of an ASCII text.
+// The UTF-16 form of an ASCII text.
 std::basic_string<unsigned short> Wide(const std::string& text);
 
 }  // namespace Zelkor::Kalvo::Testing

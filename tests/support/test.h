@@ -15,8 +15,8 @@ namespace Zelkor::Kalvo::Testing {
 
 using Names = std::vector<std::string>;
 
-/// Expects that `operation` leaves the failure in the slot, traced under these names in order, and returns it
-/// if it returns anything.
+// Expects that `operation` leaves the failure in the slot, traced under these names in order, and returns it
+// if it returns anything.
 template <class Operation>
 void ExpectFailure(KX_ERRORS failure, const Names& traceNames, const Operation& operation) {
     const TraceRecorder traces;

@@ -15,14 +15,14 @@ class TiffBuilder {
 public:
     using Values = std::vector<std::uint32_t>;
 
-    /// @param order  "II" or "MM"
+    // @param order  "II" or "MM"
     explicit TiffBuilder(const std::string& order = "II")
         : m_isBigEndian(order == "MM"), m_file(order.begin(), order.end()) {
         Append(m_file, kTiffMagic, 2);
         Append(m_file, 0, 4);
     }
 
-    /// Set a tag, or replace it.
+    // Set a tag, or replace it.
     TiffBuilder& Short(TiffTag tag, const Values& values) {
         return Set(tag, TiffType::Short, values.size(), Packed(values, 2));
     }
@@ -32,11 +32,11 @@ public:
     TiffBuilder& Rational(TiffTag tag, std::uint32_t numerator, std::uint32_t denominator) {
         return Set(tag, TiffType::Rational, 1, Packed({numerator, denominator}, 4));
     }
-    /// @param text  what is stored, with its NUL if it shall have one
+    // @param text  what is stored, with its NUL if it shall have one
     TiffBuilder& Text(TiffTag tag, const std::string& text) {
         return Set(tag, TiffType::Ascii, text.size(), Bytes(text.begin(), text.end()));
     }
-    /// An entry as it stands in the directory, whatever it means.
+    // An entry as it stands in the directory, whatever it means.
     TiffBuilder& Entry(TiffTag tag, TiffType type, std::uint32_t count, std::uint32_t value) {
         return Set(tag, type, count, Packed({value}, 4));
     }
@@ -45,19 +45,19 @@ public:
         return *this;
     }
 
-    /// Puts bytes into the file and returns their offset.
+    // Puts bytes into the file and returns their offset.
     std::uint32_t Store(const Bytes& bytes) {
         m_file.insert(m_file.end(), bytes.begin(), bytes.end());
         return static_cast<std::uint32_t>(m_file.size() - bytes.size());
     }
-    /// Stores bytes and adds them to the strip tables.
+    // Stores bytes and adds them to the strip tables.
     TiffBuilder& Strip(const Bytes& bytes) {
         m_stripOffsets.push_back(Store(bytes));
         m_stripByteCounts.push_back(static_cast<std::uint32_t>(bytes.size()));
         return Long(TiffTag::StripOffsets, m_stripOffsets).Long(TiffTag::StripByteCounts, m_stripByteCounts);
     }
 
-    /// The file.
+    // The file.
     operator Bytes() const {
         Bytes file = m_file;
         const Bytes directory = Packed({static_cast<std::uint32_t>(file.size())}, 4);

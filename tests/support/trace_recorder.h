@@ -28,10 +28,10 @@ public:
     TraceRecorder(const TraceRecorder&) = delete;
     TraceRecorder& operator=(const TraceRecorder&) = delete;
 
-    /// The boxes shown on this thread since the recorder was made.
+    // The boxes shown on this thread since the recorder was made.
     const std::vector<Box>& Boxes() const { return boxes; }
 
-    /// The function names of those boxes, in order.
+    // The function names of those boxes, in order.
     std::vector<std::string> Functions() const {
         std::vector<std::string> names;
         for (const Box& box : boxes) {

@@ -1,4 +1,5 @@
 // Colour cubes: where colours and edges go, which of them are seen, and what is refused.
+
 #include "kalvo/transforms/kxcolorhistogram.h"
 
 #include <gtest/gtest.h>

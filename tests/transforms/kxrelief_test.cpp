@@ -1,4 +1,5 @@
 // Reliefs against the formulas as they stand, pixel by pixel, and what is refused.
+
 #include "kalvo/transforms/kxrelief.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // The generic vector: structures, buffers, and access in every item type.
+
 #include "kalvo/vectors/kxgenericvector.h"
 
 #include <climits>

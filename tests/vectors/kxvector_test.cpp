@@ -1,4 +1,5 @@
 // The typed vector: capacity rules, access to elements, failures.
+
 #include "kalvo/vectors/kxvector.h"
 
 #include <climits>

@@ -1,4 +1,5 @@
 // Vector files byte by byte, and what becomes of bad ones.
+
 #include "kalvo/vectors/vectorfile.h"
 
 #include <sys/stat.h>
@@ -32,7 +33,7 @@ Bytes operator+(Bytes left, const Bytes& right) {
     return left;
 }
 
-/// A file of bytes that declares `count` elements.
+// A file of bytes that declares `count` elements.
 Bytes GraysFile(unsigned count, const Bytes& elements) {
     Bytes start{0x4B, 1, 1, 0x4B, 0, 0, 0, 0};
     StoreLittleEndian(start.data() + 4, count);
