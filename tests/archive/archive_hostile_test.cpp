@@ -1,8 +1,6 @@
 // Archives that are broken or forged: each ends with its code, at a price that its size bounds, and leaves an
 // object that still works.
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <new>
 #include <ostream>
@@ -12,7 +10,7 @@
 #include "tests/support/archive_builder.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/streams.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

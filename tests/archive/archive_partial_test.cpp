@@ -1,7 +1,5 @@
 // Records without header: size and rows of images, placements of regions.
 
-#include <gtest/gtest.h>
-
 #include <climits>
 
 #include "kalvo/base/file.h"
@@ -9,7 +7,7 @@
 #include "tests/support/archive_builder.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/streams.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

@@ -1,6 +1,5 @@
 // Archives of images and regions: their bytes, what comes back, and what refuses to.
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <algorithm>
@@ -19,7 +18,7 @@
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
 #include "tests/support/streams.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

@@ -2,12 +2,11 @@
 
 #include "kalvo/display/kxdrawadapter.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 
 #include "kalvo/frame/kxexception.h"
-#include "tests/support/trace_recorder.h"
+
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {
 namespace {

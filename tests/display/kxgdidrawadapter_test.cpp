@@ -12,7 +12,7 @@
 #include "tests/support/picture.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -181,7 +181,7 @@ TEST_F(Adapter, ReportsOnlyWantOfMemory) {
     huge.SetImagePtr(70000, 70000, &pixel);
     surface.DrawImage(&huge, 1, 1, 5, 5, 0.5, RGBColor::Red);
     EXPECT_EQ(KxGetError(), KX_ERROR_ORIGIN_IMAGE_TOO_BIG);
-    EXPECT_EQ(traces.Functions(), (std::vector<std::string>{"KxImage::SetSize", "KxROI::Draw"}));
+    EXPECT_EQ(traces.Functions(), (Names{"KxImage::SetSize", "KxROI::Draw"}));
     EXPECT_TRUE(screen.Marks() == 0 && StateOf(screen.hdc) == state);
     KxOk();
 }

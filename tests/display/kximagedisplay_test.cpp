@@ -12,14 +12,13 @@
 #include "tests/support/picture.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {
 namespace {
 
 using namespace Testing;
 using Platform::CountGdiObjects;
-using Names = std::vector<std::string>;
 
 TEST(DrawMember, HandsTheRegionToTheSurfaceWithWholePans) {
     KxImage<KxFLOAT64> image(4, 4);

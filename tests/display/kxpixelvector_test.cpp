@@ -2,14 +2,11 @@
 
 #include "kalvo/display/kxpixelvector.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <map>
 
-#include "kalvo/frame/kxerror.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
@@ -100,7 +97,7 @@ TEST(WeightedMoment, RefusesRangesThatTheVectorHasNot) {
         KxOk();
         EXPECT_EQ(vector.WeightedMoment(first, last), 0.0f);
         EXPECT_EQ(KxGetError(), code) << first << ' ' << last;
-        EXPECT_EQ(trace.Functions(), std::vector<std::string>{name + "::WeightedMoment"});
+        EXPECT_EQ(trace.Functions(), Names{name + "::WeightedMoment"});
     };
     expectFailure(bytes, 2, 1, KX_ERROR_PARAMETERS_OUT_OF_RANGE, "KxBW8Vector");
     expectFailure(bytes, 4, 5, KX_ERROR_PARAMETER_1_OUT_OF_RANGE, "KxBW8Vector");

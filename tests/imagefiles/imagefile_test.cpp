@@ -10,14 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include "kalvo/frame/kxtrace.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
 #include "tests/support/short_memory.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -189,9 +186,8 @@ TEST_F(ImageFile, RefusesBilevelRegionsAndPixelsWithoutFiles) {
     EXPECT_EQ(KxGetError(), KX_ERROR_UNSUPPORTED_IMAGE_TYPE);
     EXPECT_FALSE(std::filesystem::exists(folder.File("b.bmp")));
     KxImage<KxBW16>().Load(Wide(folder.File("none")).c_str());
-    EXPECT_EQ(traces.Functions(),
-              (std::vector<std::string>{"KxROI::Load", "KxImage::Load", "KxImage::Load", "KxImage::Save",
-                                        "KxImage::Save", "KxImageBW16::Load ( Unicode)"}));
+    EXPECT_EQ(traces.Functions(), (Names{"KxROI::Load", "KxImage::Load", "KxImage::Load", "KxImage::Save",
+                                         "KxImage::Save", "KxImageBW16::Load ( Unicode)"}));
 }
 
 TEST_F(ImageFile, CreatesTheFirstImageThatTakesTheFile) {
@@ -259,7 +255,7 @@ TEST_F(ImageFile, IsDescribedByAnImageWithoutPixels) {
     EXPECT_EQ(KxDescribeImage(Wide(folder.File("none")).c_str(), type, pages), nullptr);
     EXPECT_EQ(KxGetError(), KX_ERROR_FILE_OPEN);
     EXPECT_EQ(traces.Functions(),
-              (std::vector<std::string>{"KxDescribeImage", "KxDescribeImage", "KxDescribeImage ( Unicode)"}));
+              (Names{"KxDescribeImage", "KxDescribeImage", "KxDescribeImage ( Unicode)"}));
 }
 
 TEST_F(ImageFile, EndsWithoutMemoryForTextsOrPixels) {

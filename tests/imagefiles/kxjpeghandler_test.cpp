@@ -1,7 +1,5 @@
 // The JPEG field handler: interlaced decoding, field files, archives, and what must be refused.
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <tuple>
 
@@ -10,7 +8,7 @@
 #include "tests/support/jpeg_builder.h"
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/streams.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -218,7 +216,7 @@ TEST_F(JpegHandler, RefusesBadArchivesAndTakesTheStreamBack) {
         EXPECT_EQ(Archived(handler), isEmptied ? Record({}, {}) : whole);
         EXPECT_EQ(stream->IsEOS(), archive.empty());
     }
-    EXPECT_EQ(traces.Functions(), std::vector<std::string>(std::size(kBad), "KxJpegHandler::Load"));
+    EXPECT_EQ(traces.Functions(), Names(std::size(kBad), "KxJpegHandler::Load"));
     handler.Save(ReaderOf(whole).get());
     EXPECT_EQ(std::pair(KxGetError(), traces.Functions().back()),
               std::pair(KX_ERROR_NOT_OPEN_FOR_WRITE, std::string("KxJpegHandler::Save")));

@@ -2,14 +2,12 @@
 
 #include "kalvo/transforms/kxcolorhistogram.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <functional>
 
 #include "kalvo/image/kximage.h"
 #include "tests/support/pixel_bytes.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

@@ -2,8 +2,6 @@
 
 #include "kalvo/transforms/kxrelief.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cmath>
 #include <functional>
@@ -12,7 +10,7 @@
 #include "kalvo/image/kximage.h"
 #include "kalvo/measure/kxangle.h"
 #include "tests/support/pixel_bytes.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
