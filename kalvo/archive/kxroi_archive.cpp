@@ -86,14 +86,14 @@ void KxGenericROI::Serialize(KxSerializer* pSerializer, unsigned int un32Version
 }
 
 void KxGenericROI::SerializeTexts(KxSerializer& serializer) {
-    TransferText(serializer, m_pszAuthorASCII, "authorASCIINumChars", "m_pszAuthorASCII");
-    TransferText(serializer, m_pszAuthorUnicode, "authorUnicodeNumUnichars", "m_pszAuthorUnicode");
-    TransferText(serializer, m_pszCommentASCII, "commentASCIINumChars", "m_pszCommentASCII");
-    TransferText(serializer, m_pszCommentUnicode, "commentUnicodeNumUnichars", "m_pszCommentUnicode");
-    TransferText(serializer, m_pszDateASCII, "dateASCIINumChars", "m_pszDateASCII");
-    TransferText(serializer, m_pszDateUnicode, "dateUnicodeNumUnichars", "m_pszDateUnicode");
-    TransferText(serializer, m_pszTitleASCII, "titleASCIINumChars", "m_pszTitleASCII");
-    TransferText(serializer, m_pszTitleUnicode, "titleUnicodeNumUnichars", "m_pszTitleUnicode");
+    TransferText(serializer, m_Texts.m_pszAuthorASCII, "authorASCIINumChars", "m_pszAuthorASCII");
+    TransferText(serializer, m_Texts.m_pszAuthorUnicode, "authorUnicodeNumUnichars", "m_pszAuthorUnicode");
+    TransferText(serializer, m_Texts.m_pszCommentASCII, "commentASCIINumChars", "m_pszCommentASCII");
+    TransferText(serializer, m_Texts.m_pszCommentUnicode, "commentUnicodeNumUnichars", "m_pszCommentUnicode");
+    TransferText(serializer, m_Texts.m_pszDateASCII, "dateASCIINumChars", "m_pszDateASCII");
+    TransferText(serializer, m_Texts.m_pszDateUnicode, "dateUnicodeNumUnichars", "m_pszDateUnicode");
+    TransferText(serializer, m_Texts.m_pszTitleASCII, "titleASCIINumChars", "m_pszTitleASCII");
+    TransferText(serializer, m_Texts.m_pszTitleUnicode, "titleUnicodeNumUnichars", "m_pszTitleUnicode");
 }
 
 void KxGenericROI::SerializePlacement(KxSerializer& serializer) {
@@ -119,8 +119,7 @@ void KxROI<Pixel>::Serialize(KxSerializer* pSerializer, unsigned int un32Version
     RecordTransfer(RequireStream(pSerializer)).Run(*this, RecordTransfer::ClassOf<KxROI>(), un32Version);
 }
 
-template <class Pixel>
-void KxROI<Pixel>::SerializeFields(KxSerializer& serializer, unsigned) {
+void RegionBase::SerializeFields(KxSerializer& serializer, unsigned) {
     TransferValue(serializer, m_bMaskOffsets, "m_bMaskOffsets");
     TransferValue(serializer, m_n32CursorX, "m_n32CursorX");
     TransferValue(serializer, m_n32CursorY, "m_n32CursorY");
@@ -161,7 +160,6 @@ KxSerializer::ObjectType KxROI<Pixel>::GetSerializationType() {
 
 #define KX_INSTANTIATE(Pixel)                                                                      \
     template KX_API void KxROI<Pixel>::Serialize(KxSerializer*, unsigned int);                     \
-    template KX_API void KxROI<Pixel>::SerializeFields(KxSerializer&, unsigned);                   \
     template KX_API void KxROI<Pixel>::PartialSerialize(KxSerializer*);                            \
     template KX_API void KxROI<Pixel>::PartialSerialize(std::FILE*, int);                          \
     template KX_API void KxROI<Pixel>::VersionLessPartialSerialize(KxSerializer*, unsigned int);   \

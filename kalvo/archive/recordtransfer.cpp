@@ -134,8 +134,8 @@ void RecordTransfer::EndRecord() {
     if (!made) return;
     Level& parent = m_levels.back();
     made->m_eColorSystem = parent.object->m_eColorSystem;
-    RegionTree::Append(*parent.object, *made, parent.child);
-    parent.child = made.release();
+    RegionTree::Append(*parent.object, *made);
+    static_cast<void>(made.release());
 }
 
 // Regions are placed in the image above them, or in the region that is loaded. Sizing an image clips them

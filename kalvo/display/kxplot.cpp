@@ -19,8 +19,9 @@ struct Place {
     double y;
 };
 
-// The top-left corner of a label of that width.
-Place PlaceOf(PlotLabel label, double width, const PlotLayout& layout, std::int64_t position) {
+// The top-left corner of a label. `width` is asked only where the place depends on it.
+template <class Width>
+Place PlaceOf(PlotLabel label, const Width& width, const PlotLayout& layout, std::int64_t position) {
     const PlotBox &box = layout.box, &area = layout.area;
     const auto text = static_cast<double>(layout.textHeight);
     const auto at = static_cast<double>(position), left = static_cast<double>(area.left);
@@ -30,13 +31,13 @@ Place PlaceOf(PlotLabel label, double width, const PlotLayout& layout, std::int6
     const auto firstRow = static_cast<double>(box.top + halfDigits);
     switch (label) {
     case PlotLabel::XTick:
-        return {at - width / 2, belowArea};
+        return {at - width() / 2, belowArea};
     case PlotLabel::XEnd:
-        return {boxRight - width - text, belowArea};
+        return {boxRight - width() - text, belowArea};
     case PlotLabel::YTick:
-        return {left - width - text, at - static_cast<double>(halfDigits)};
+        return {left - width() - text, at - static_cast<double>(halfDigits)};
     case PlotLabel::YTop:
-        return {left - width - text, firstRow};
+        return {left - width() - text, firstRow};
     case PlotLabel::YBottom:
         return {left - static_cast<double>(layout.yDigitsWidth),
                 static_cast<double>(area.bottom - halfDigits)};
@@ -62,7 +63,8 @@ public:
     }
     void DrawLabel(PlotLabel label, const std::string& text, const PlotLayout& layout,
                    std::int64_t position) override {
-        const Place place = PlaceOf(label, Measure(text).x, layout, position);
+        const Place place = PlaceOf(
+            label, [&] { return Measure(text).x; }, layout, position);
         m_surface.DrawText(text, TruncateToInt(place.x), TruncateToInt(place.y), RGBColor::Black);
     }
     double LongestYLabel(const PlotRanges& ranges) const override { return ranges.yMax; }

@@ -23,11 +23,6 @@ void DrawOn(Zelkor::DrawAdapter* surface, const KxGenericROI& region, float zoom
     });
 }
 
-void DrawOnContext(KxGenericROI& region, HDC hdc, float zoomX, float zoomY) {
-    Zelkor::GDIDrawAdapter surface(hdc);
-    region.Draw(&surface, zoomX, zoomY, 0, 0);
-}
-
 // Names of the two tables in traces.
 const char* ScaleName(const KxBW8Vector*, bool isImage) {
     return isImage ? "KxImageBW8::Draw ( Gray Scale)" : "KxROIBW8::Draw ( Gray Scale)";
@@ -109,28 +104,19 @@ void KxGenericROI::Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32
     DrawOn(pSurface, *this, f32ZoomX, f32ZoomY, RoundToInt(f32PanX), RoundToInt(f32PanY), kRegionTraceName);
 }
 
-template <class Pixel>
-void KxROI<Pixel>::Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32ZoomY, float f32PanX,
-                        float f32PanY) {
+void RegionBase::Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32ZoomY, float f32PanX,
+                      float f32PanY) {
     DrawOn(pSurface, *this, f32ZoomX, f32ZoomY, TruncateToInt(f32PanX), TruncateToInt(f32PanY),
-           kRegionTraceName);
+           IsAnROI() ? kRegionTraceName : kImageTraceName);
 }
 
-template <class Pixel>
-void KxImage<Pixel>::Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32ZoomY, float f32PanX,
-                          float f32PanY) {
-    DrawOn(pSurface, *this, f32ZoomX, f32ZoomY, TruncateToInt(f32PanX), TruncateToInt(f32PanY),
-           kImageTraceName);
+void RegionBase::Draw(HDC hDC, float f32ZoomX, float f32ZoomY) {
+    Zelkor::GDIDrawAdapter surface(hDC);
+    Draw(&surface, f32ZoomX, f32ZoomY, 0, 0);
 }
 
-template <class Pixel>
-void KxROI<Pixel>::Draw(HDC hDC, float f32ZoomX, float f32ZoomY) {
-    DrawOnContext(*this, hDC, f32ZoomX, f32ZoomY);
-}
-
-template <class Pixel>
-void KxImage<Pixel>::Draw(HDC hDC, float f32ZoomX, float f32ZoomY) {
-    DrawOnContext(*this, hDC, f32ZoomX, f32ZoomY);
+void RegionBase::DrawMask(HDC hDC, float f32ZoomX, float f32ZoomY, float f32PanX, float f32PanY) {
+    DrawRuns(*this, m_MaskRuns, hDC, {f32ZoomX, f32ZoomY}, f32PanX, f32PanY);
 }
 
 template <class Pixel>
@@ -153,22 +139,9 @@ void KxImage<Pixel>::Draw(HDC hDC, KxC24Vector* pLut, float f32ZoomX, float f32Z
     DrawThroughTable(*this, hDC, pLut, f32ZoomX, f32ZoomY);
 }
 
-template <class Pixel>
-void KxROI<Pixel>::DrawMask(HDC hDC, float f32ZoomX, float f32ZoomY, float f32PanX, float f32PanY) {
-    DrawRuns(*this, m_MaskRuns, hDC, {f32ZoomX, f32ZoomY}, f32PanX, f32PanY);
-}
-
-template <class Pixel>
-void KxImage<Pixel>::DrawMask(HDC hDC, float f32ZoomX, float f32ZoomY, float f32PanX, float f32PanY) {
-    KxROI<Pixel>::DrawMask(hDC, f32ZoomX, f32ZoomY, f32PanX, f32PanY);
-}
-
-#define KX_INSTANTIATE_MEMBERS(Class)                                                   \
-    template KX_API void Class::Draw(Zelkor::DrawAdapter*, float, float, float, float); \
-    template KX_API void Class::Draw(HDC, float, float);                                \
-    template KX_API void Class::Draw(HDC, KxBW8Vector*, float, float);                  \
-    template KX_API void Class::Draw(HDC, KxC24Vector*, float, float);                  \
-    template KX_API void Class::DrawMask(HDC, float, float, float, float);
+#define KX_INSTANTIATE_MEMBERS(Class)                                  \
+    template KX_API void Class::Draw(HDC, KxBW8Vector*, float, float); \
+    template KX_API void Class::Draw(HDC, KxC24Vector*, float, float);
 #define KX_INSTANTIATE(Pixel) KX_INSTANTIATE_MEMBERS(KxROI<Pixel>) KX_INSTANTIATE_MEMBERS(KxImage<Pixel>)
 KX_FOR_EACH_PIXEL(KX_INSTANTIATE)
 #undef KX_INSTANTIATE

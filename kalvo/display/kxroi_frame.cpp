@@ -7,7 +7,7 @@
 #include "kalvo/display/kxgdidrawadapter.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/roundtoint.h"
-#include "kalvo/image/kxroi.h"
+#include "kalvo/image/kxregionbase.h"
 
 using namespace Zelkor::Kalvo;
 using Zelkor::DrawAdapter;
@@ -136,23 +136,22 @@ Side VerticalSide(KX_HANDLES handle) {
     return Side::None;
 }
 
-/// A region before it is dragged along one axis: first pixel and the one after the last, in the top image;
-/// its origin and that of its parent.
+/// A region before it is dragged, along one axis in the top image: first pixel, and the one after the last.
 struct Stretch {
     std::int64_t begin;
     std::int64_t end;
-    int origin;
-    int least;
 };
 
-template <class Region>
-void DragSide(Region& region, Side side, const Stretch& stretch, int pointer, void (Region::*setOrigin)(int),
-              void (Region::*setSize)(int)) {
+/// Moves one side of a region, and leaves the other where it is.
+/// @param origin  of the region in its parent, as it is now
+/// @param least   the parent's own origin, before which no side is moved
+void DragSide(RegionBase& region, Side side, const Stretch& stretch, int pointer, int origin, int least,
+              void (RegionBase::*setOrigin)(int), void (RegionBase::*setSize)(int)) {
     if (side == Side::Far)
         (region.*setSize)(ClampToInt(std::max<std::int64_t>(pointer, stretch.begin + 1) - stretch.begin));
     if (side != Side::Near) return;
-    const std::int64_t begin = std::min<std::int64_t>(std::max(pointer, stretch.least), stretch.end - 1);
-    (region.*setOrigin)(ClampToInt(begin - stretch.begin + stretch.origin));
+    const std::int64_t begin = std::min<std::int64_t>(std::max(pointer, least), stretch.end - 1);
+    (region.*setOrigin)(ClampToInt(begin - stretch.begin + origin));
     (region.*setSize)(ClampToInt(stretch.end - begin));
 }
 
@@ -179,23 +178,20 @@ void KxGenericROI::DrawFrame(HDC hDC, KX_FRAME_POSITION ePosition, int bHandles,
     DrawFrame(&surface, ePosition, bHandles, f32ZoomX, f32ZoomY, f32PanX, f32PanY);
 }
 
-template <class Pixel>
-KX_HANDLES KxROI<Pixel>::HitTest(int n32X, int n32Y, float f32ZoomX, float f32ZoomY, float f32PanX,
-                                 float f32PanY) {
+KX_HANDLES RegionBase::HitTest(int n32X, int n32Y, float f32ZoomX, float f32ZoomY, float f32PanX,
+                               float f32PanY) {
     const View view(f32ZoomX, f32ZoomY, f32PanX, f32PanY);
     m_n32CursorX = ClampToInt(std::int64_t{view.x.ToImage(n32X)} - m_n32OrgX);
     m_n32CursorY = ClampToInt(std::int64_t{view.y.ToImage(n32Y)} - m_n32OrgY);
     return FindHandle(FrameBox(*this, view), n32X, n32Y);
 }
 
-template <class Pixel>
-void KxROI<Pixel>::Drag(KX_HANDLES eHandle, int n32X, int n32Y, float f32ZoomX, float f32ZoomY, float f32PanX,
-                        float f32PanY) {
+void RegionBase::Drag(KX_HANDLES eHandle, int n32X, int n32Y, float f32ZoomX, float f32ZoomY, float f32PanX,
+                      float f32PanY) {
     const View view(f32ZoomX, f32ZoomY, f32PanX, f32PanY);
     const int x = view.x.ToImage(n32X), y = view.y.ToImage(n32Y);
     const std::int64_t left = GetTotalOrgX(), top = GetTotalOrgY();
-    const Stretch columns{left, left + m_n32Width, m_n32OrgX, m_pParent ? m_pParent->GetOrgX() : 0};
-    const Stretch rows{top, top + m_n32Height, m_n32OrgY, m_pParent ? m_pParent->GetOrgY() : 0};
+    const Stretch columns{left, left + m_n32Width}, rows{top, top + m_n32Height};
 
     if (eHandle == KX_HANDLE_INSIDE) {
         const std::int64_t pointerX = LimitedPointer(x, m_n32CursorX, columns.end);
@@ -206,12 +202,10 @@ void KxROI<Pixel>::Drag(KX_HANDLES eHandle, int n32X, int n32Y, float f32ZoomX, 
         m_n32CursorY = ClampToInt(pointerY - m_n32OrgY);
         return;
     }
-    DragSide(*this, HorizontalSide(eHandle), columns, x, &KxROI::SetOrgX, &KxROI::SetWidth);
-    DragSide(*this, VerticalSide(eHandle), rows, y, &KxROI::SetOrgY, &KxROI::SetHeight);
+    const int leastX = m_pParent ? m_pParent->GetOrgX() : 0, leastY = m_pParent ? m_pParent->GetOrgY() : 0;
+    DragSide(*this, HorizontalSide(eHandle), columns, x, m_n32OrgX, leastX, &RegionBase::SetOrgX,
+             &RegionBase::SetWidth);
+    // A region that is reset on the way has another origin now.
+    DragSide(*this, VerticalSide(eHandle), rows, y, m_n32OrgY, leastY, &RegionBase::SetOrgY,
+             &RegionBase::SetHeight);
 }
-
-#define KX_INSTANTIATE(Pixel)                                                               \
-    template KX_API KX_HANDLES KxROI<Pixel>::HitTest(int, int, float, float, float, float); \
-    template KX_API void KxROI<Pixel>::Drag(KX_HANDLES, int, int, float, float, float, float);
-KX_FOR_EACH_PIXEL(KX_INSTANTIATE)
-#undef KX_INSTANTIATE

@@ -83,7 +83,8 @@ private:
 };
 
 void Axes::LayOut() {
-    const double yLabelWidth = std::max(WidthOf(m_ranges.yMin), WidthOf(m_ranges.yMax));
+    const double leastWidth = WidthOf(m_ranges.yMin);
+    const double yLabelWidth = std::max(leastWidth, WidthOf(m_ranges.yMax));
     const DrawPoint title = m_canvas.Measure(m_titles.x);
     const std::int64_t text = std::max(TruncateToInt(title.y), 0);
     m_layout.textHeight = text;

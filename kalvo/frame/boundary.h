@@ -28,6 +28,17 @@ auto AtBoundary(const char* traceName, Operation&& operation,
     return std::invoke_result_t<Operation>();
 }
 
+/// As `AtBoundary`, for an operation that traces its own name inside another: the exception goes on.
+template <class Operation>
+auto AtTracePoint(const char* traceName, Operation&& operation) -> std::invoke_result_t<Operation> {
+    try {
+        return std::forward<Operation>(operation)();
+    } catch (...) {
+        ReportCurrentException(traceName, KX_ERROR_INTERNAL);
+        throw;
+    }
+}
+
 /// Stores `error` and traces it: a failure that needs no unwinding.
 inline void Report(KX_ERRORS error, const char* traceName) {
     KxSetError(error);

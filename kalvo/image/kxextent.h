@@ -58,6 +58,7 @@ public:
 
     /// The plain values.
     GenericRoiExtent GetExtent() const { return {OrgX, OrgY, Width, Height}; }
+    operator GenericRoiExtent() const { return GetExtent(); }
 
     /// Compare the four values.
     bool operator==(const GenericRoiExtentWithBroadcast& other) const {

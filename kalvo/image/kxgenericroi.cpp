@@ -3,6 +3,8 @@
 #include "kalvo/image/kxgenericroi.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -46,6 +48,20 @@ short Conclude(bool passes, KX_ERRORS failure, const char* traceName) {
     std::abort();
 }
 
+// How often `wanted` is among the children of `parent`: once, or not at all. Stops when a child has another
+// parent, and when the list leads back into itself: from time to time we remember a child, to find it again.
+int TimesInList(const KxGenericROI& parent, const KxGenericROI* wanted, const char* traceName) {
+    int timesMet = 0;
+    std::uint64_t position = 0;
+    const KxGenericROI* remembered = nullptr;
+    for (const KxGenericROI* child = parent.GetFirstSubROI(); child; child = child->GetNextSiblingROI()) {
+        if (child->GetParent() != &parent || child == remembered) StopOnCorruptedHierarchy(traceName);
+        timesMet += child == wanted;
+        if (std::has_single_bit(++position)) remembered = child;
+    }
+    return timesMet;
+}
+
 template <class Region>
 Region* NextDepthFirst(Region* current, Region* stop) {
     Region* next = current->GetFirstSubROI();
@@ -55,15 +71,6 @@ Region* NextDepthFirst(Region* current, Region* stop) {
         if (next->GetNextSiblingROI()) next = next->GetNextSiblingROI();
     }
     return next == stop ? nullptr : next;
-}
-
-// Up to the root, or to an image further down: archives may hold images below others.
-int TotalOrigin(const KxGenericROI& region, int (KxGenericROI::*origin)() const) {
-    int total = 0;
-    for (const KxGenericROI* node = &region; node->GetParent() && const_cast<KxGenericROI*>(node)->IsAnROI();
-         node = node->GetParent())
-        total += (node->*origin)();
-    return total;
 }
 
 int TopSize(const KxGenericROI& region, int (KxGenericROI::*size)() const, const char* traceName) {
@@ -79,44 +86,41 @@ KxGenericROI::~KxGenericROI() {
     RegionTree::Unlink(*this);
 }
 
-void KxGenericROI::MakeEmpty() {
-    m_pszAuthorASCII.reset();
-    m_pszAuthorUnicode.reset();
-    m_pszCommentASCII.reset();
-    m_pszCommentUnicode.reset();
-    m_pszDateASCII.reset();
-    m_pszDateUnicode.reset();
-    m_pszTitleASCII.reset();
-    m_pszTitleUnicode.reset();
-}
+void KxGenericROI::MakeEmpty() { m_Texts = {}; }
 
-void KxGenericROI::SetAuthor(const char* pszText) { FreeBufferAndCopyString(m_pszAuthorASCII, pszText); }
+void KxGenericROI::SetAuthor(const char* pszText) {
+    FreeBufferAndCopyString(m_Texts.m_pszAuthorASCII, pszText);
+}
 
 void KxGenericROI::SetAuthor(const unsigned short* pwszText) {
-    FreeBufferAndCopyString(m_pszAuthorUnicode, pwszText);
+    FreeBufferAndCopyString(m_Texts.m_pszAuthorUnicode, pwszText);
 }
 
-void KxGenericROI::SetComment(const char* pszText) { FreeBufferAndCopyString(m_pszCommentASCII, pszText); }
+void KxGenericROI::SetComment(const char* pszText) {
+    FreeBufferAndCopyString(m_Texts.m_pszCommentASCII, pszText);
+}
 
 void KxGenericROI::SetComment(const unsigned short* pwszText) {
-    FreeBufferAndCopyString(m_pszCommentUnicode, pwszText);
+    FreeBufferAndCopyString(m_Texts.m_pszCommentUnicode, pwszText);
 }
 
-void KxGenericROI::SetDate(const char* pszText) { FreeBufferAndCopyString(m_pszDateASCII, pszText); }
+void KxGenericROI::SetDate(const char* pszText) { FreeBufferAndCopyString(m_Texts.m_pszDateASCII, pszText); }
 
 void KxGenericROI::SetDate(const unsigned short* pwszText) {
-    FreeBufferAndCopyString(m_pszDateUnicode, pwszText);
+    FreeBufferAndCopyString(m_Texts.m_pszDateUnicode, pwszText);
 }
 
-void KxGenericROI::SetTitle(const char* pszText) { FreeBufferAndCopyString(m_pszTitleASCII, pszText); }
+void KxGenericROI::SetTitle(const char* pszText) {
+    FreeBufferAndCopyString(m_Texts.m_pszTitleASCII, pszText);
+}
 
 void KxGenericROI::SetTitle(const unsigned short* pwszText) {
-    FreeBufferAndCopyString(m_pszTitleUnicode, pwszText);
+    FreeBufferAndCopyString(m_Texts.m_pszTitleUnicode, pwszText);
 }
 
-int KxGenericROI::GetTotalOrgX() const { return TotalOrigin(*this, &KxGenericROI::GetOrgX); }
+int KxGenericROI::GetTotalOrgX() const { return static_cast<int>(RegionTree::PlaceOf(*this, 0, 0).x); }
 
-int KxGenericROI::GetTotalOrgY() const { return TotalOrigin(*this, &KxGenericROI::GetOrgY); }
+int KxGenericROI::GetTotalOrgY() const { return static_cast<int>(RegionTree::PlaceOf(*this, 0, 0).y); }
 
 int KxGenericROI::GetTotalWidth() const {
     return TopSize(*this, &KxGenericROI::GetWidth, "KxROI::GetTotalWidth");
@@ -165,13 +169,7 @@ short KxGenericROI::SameSizeDepthType(KxGenericROI* pOther, short n16DepthMask, 
 }
 
 int KxGenericROI::DoesContainChild(const KxGenericROI* pParent, const KxGenericROI* pChild) {
-    int timesMet = 0;
-    for (const KxGenericROI* child = pParent ? pParent->m_pFirstSubROI : nullptr; child;
-         child = child->m_pSibling) {
-        timesMet += child == pChild;
-        if (child->m_pParent != pParent || timesMet > 1) StopOnCorruptedHierarchy("DoesContainChild");
-    }
-    return timesMet;
+    return pParent ? TimesInList(*pParent, pChild, "DoesContainChild") : 0;
 }
 
 void KxGenericROI::CheckParentChildrenConsistency(const KxGenericROI* pObject) {
@@ -179,19 +177,9 @@ void KxGenericROI::CheckParentChildrenConsistency(const KxGenericROI* pObject) {
     if (!pObject) return;
     if (pObject->m_pParent && !DoesContainChild(pObject->m_pParent, pObject))
         StopOnCorruptedHierarchy(kTraceName);
-    const KxGenericROI* node = pObject;
-    while (true) {
-        const KxGenericROI* parent = node;
-        if (node->m_pFirstSubROI) {
-            node = node->m_pFirstSubROI;
-        } else {
-            while (node != pObject && !node->m_pSibling) node = node->m_pParent;
-            if (node == pObject) return;
-            parent = node->m_pParent;
-            node = node->m_pSibling;
-        }
-        if (node->m_pParent != parent) StopOnCorruptedHierarchy(kTraceName);
-    }
+    // An object below itself would make a circle of parents and children.
+    for (const KxGenericROI* node = pObject; node; node = RegionTree::Next(node, *pObject))
+        if (TimesInList(*node, pObject, kTraceName)) StopOnCorruptedHierarchy(kTraceName);
 }
 
 namespace Zelkor::Kalvo {

@@ -19,7 +19,27 @@ namespace Zelkor {
 struct DrawAdapter;
 namespace Kalvo {
 struct RegionTree;
+class RegionCopy;
 class RecordTransfer;
+
+/// How far the layout has come with a region that it moves back into its parent.
+struct LayoutState {
+    enum Pass : std::uint8_t { kNone, kWidth, kHeight } m_ePass = kNone;
+    bool m_bInHeightPass = false;  ///< whether the parent's height was being applied, else its width
+};
+
+/// The descriptive texts of an object, each narrow and as UTF-16; null when unset.
+struct RegionTexts {
+    std::unique_ptr<char[]> m_pszAuthorASCII;
+    std::unique_ptr<unsigned short[]> m_pszAuthorUnicode;
+    std::unique_ptr<char[]> m_pszCommentASCII;
+    std::unique_ptr<unsigned short[]> m_pszCommentUnicode;
+    std::unique_ptr<char[]> m_pszDateASCII;
+    std::unique_ptr<unsigned short[]> m_pszDateUnicode;
+    std::unique_ptr<char[]> m_pszTitleASCII;
+    std::unique_ptr<unsigned short[]> m_pszTitleUnicode;
+};
+
 }  // namespace Kalvo
 }  // namespace Zelkor
 
@@ -161,20 +181,20 @@ public:
 
     /// Descriptive texts, narrow and UTF-16, kept apart and never converted. They belong to the object; null
     /// when unset. Setting copies the text, null clears it; `KX_ERROR_ALLOCATION` leaves it null.
-    const char* GetAuthor() const { return m_pszAuthorASCII.get(); }
-    const unsigned short* GetAuthorUnicode() const { return m_pszAuthorUnicode.get(); }
+    const char* GetAuthor() const { return m_Texts.m_pszAuthorASCII.get(); }
+    const unsigned short* GetAuthorUnicode() const { return m_Texts.m_pszAuthorUnicode.get(); }
     void SetAuthor(const char* pszText);
     void SetAuthor(const unsigned short* pwszText);
-    const char* GetComment() const { return m_pszCommentASCII.get(); }
-    const unsigned short* GetCommentUnicode() const { return m_pszCommentUnicode.get(); }
+    const char* GetComment() const { return m_Texts.m_pszCommentASCII.get(); }
+    const unsigned short* GetCommentUnicode() const { return m_Texts.m_pszCommentUnicode.get(); }
     void SetComment(const char* pszText);
     void SetComment(const unsigned short* pwszText);
-    const char* GetDate() const { return m_pszDateASCII.get(); }
-    const unsigned short* GetDateUnicode() const { return m_pszDateUnicode.get(); }
+    const char* GetDate() const { return m_Texts.m_pszDateASCII.get(); }
+    const unsigned short* GetDateUnicode() const { return m_Texts.m_pszDateUnicode.get(); }
     void SetDate(const char* pszText);
     void SetDate(const unsigned short* pwszText);
-    const char* GetTitle() const { return m_pszTitleASCII.get(); }
-    const unsigned short* GetTitleUnicode() const { return m_pszTitleUnicode.get(); }
+    const char* GetTitle() const { return m_Texts.m_pszTitleASCII.get(); }
+    const unsigned short* GetTitleUnicode() const { return m_Texts.m_pszTitleUnicode.get(); }
     void SetTitle(const char* pszText);
     void SetTitle(const unsigned short* pwszText);
 
@@ -227,20 +247,16 @@ protected:
 
 private:
     friend struct Zelkor::Kalvo::RegionTree;
+    friend class Zelkor::Kalvo::RegionCopy;
     friend class Zelkor::Kalvo::RecordTransfer;
 
     /// The fields before and after the children in the record of every object.
     void SerializeTexts(KxSerializer& serializer);
     void SerializePlacement(KxSerializer& serializer);
 
-    std::unique_ptr<char[]> m_pszAuthorASCII;
-    std::unique_ptr<unsigned short[]> m_pszAuthorUnicode;
-    std::unique_ptr<char[]> m_pszCommentASCII;
-    std::unique_ptr<unsigned short[]> m_pszCommentUnicode;
-    std::unique_ptr<char[]> m_pszDateASCII;
-    std::unique_ptr<unsigned short[]> m_pszDateUnicode;
-    std::unique_ptr<char[]> m_pszTitleASCII;
-    std::unique_ptr<unsigned short[]> m_pszTitleUnicode;
+    Zelkor::Kalvo::RegionTexts m_Texts;
+    KxGenericROI* m_pPreviousSibling = nullptr;  // for the first child the last one
+    Zelkor::Kalvo::LayoutState m_LayoutState;
 
 protected:
     KxGenericROI* m_pParent = nullptr;

@@ -4,32 +4,21 @@
 
 #include <cstring>
 #include <limits>
-#include <new>
 #include <string>
 #include <utility>
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/kxlibrary.h"
+#include "kalvo/image/pixelblock.h"
+#include "kalvo/image/regioncopy.h"
 #include "kalvo/image/regiontree.h"
+#include "kalvo/vectors/vectorcore.h"
 
 using namespace Zelkor::Kalvo;
 
 namespace {
 
-constexpr std::int64_t kRowAlignmentBits = 192;  // whole pixels of three bytes and whole words of eight
-constexpr std::uintptr_t kFirstPixelAlignment = 32;
-constexpr std::int64_t kSlackBytes = 39;  // room to align the first pixel, and eight bytes after the last row
-
-std::int64_t RoundUp(std::int64_t value, std::int64_t multiple) {
-    return (value + multiple - 1) / multiple * multiple;
-}
-
 bool FitsInt32(std::int64_t value) { return value <= std::numeric_limits<std::int32_t>::max(); }
-
-// Bytes from the first pixel to the end of the last row.
-std::uint64_t BlockBytes(std::int64_t bitsPerRow, std::int64_t height) {
-    return static_cast<std::uint64_t>((bitsPerRow * height + 7) / 8);
-}
 
 // Moves the addresses of mask runs from the pixels of one image to those of its copy.
 void RebaseRuns(KxVectorTemplate<KxRun>& runs, const std::uint8_t* from, const std::uint8_t* to) {
@@ -43,6 +32,23 @@ void RebaseRuns(KxVectorTemplate<KxRun>& runs, const std::uint8_t* from, const s
         runs[i].pEnd = moved(runs[i].pEnd);
     }
 }
+
+// Empties an object in the end, unless it is told to keep what it has.
+template <class Operation>
+class Undo {
+public:
+    explicit Undo(Operation operation) : m_operation(operation) {}
+    Undo(const Undo&) = delete;
+    Undo& operator=(const Undo&) = delete;
+    ~Undo() {
+        if (!m_keeps) m_operation();
+    }
+    void Keep() { m_keeps = true; }
+
+private:
+    Operation m_operation;
+    bool m_keeps = false;
+};
 
 template <class Pixel>
 void SwapImages(KxImage<Pixel>* image, KxImage<Pixel>* other, const std::string& pixelName) {
@@ -59,7 +65,7 @@ void SwapImages(KxImage<Pixel>* image, KxImage<Pixel>* other, const std::string&
 
 template <class Pixel>
 KxImage<Pixel>::KxImage(int n32Width, int n32Height) {
-    Resize(n32Width, n32Height, true);
+    SetSize(n32Width, n32Height);
 }
 
 template <class Pixel>
@@ -81,12 +87,53 @@ KxImage<Pixel>::~KxImage() {
 template <class Pixel>
 void KxImage<Pixel>::MakeEmpty() {
     KxROI<Pixel>::MakeEmpty();
-    Resize(0, 0, true);
+    Resize(0, 0);
 }
 
 template <class Pixel>
 KxImage<Pixel>* KxImage<Pixel>::CopyTo(KxImage* pDestination, int bRecursive) const {
-    return AtBoundary("KxImage::CopyTo", [&] { return CopyImageTo(pDestination, bRecursive); });
+    KxImage* result = pDestination;
+    AtBoundary("KxImage::CopyTo", [&] {
+        if (pDestination == this) return;
+        Undo undo([&] {
+            if (pDestination) pDestination->MakeEmpty();
+        });
+        auto copy = std::make_unique<KxImage>();
+        RegionCopy::Build(*this, *copy, bRecursive, pDestination);
+        KxImage& holder = pDestination ? *pDestination : *copy;
+        CopyPixels(*this, holder);
+        if (!this->m_bMaskOffsets) RebaseRuns(copy->m_MaskRuns, m_pImagePtr, holder.m_pImagePtr);
+        if (pDestination) {
+            RegionCopy::Replace(*this, *copy, *pDestination);
+        } else {
+            RegionCopy::Place(*this, *copy);
+            result = copy.release();
+        }
+        undo.Keep();
+    });
+    return result;
+}
+
+template <class Pixel>
+void KxImage<Pixel>::CopyPixels(const KxImage& source, KxImage& copy) {
+    constexpr int kBits = PixelTraits<Pixel>::kBitsPerPixel;
+    if (!source.m_pBuffer) {
+        copy.m_pBuffer.reset();
+        copy.m_pImagePtr = source.m_pImagePtr;
+        copy.m_n32BitsPerRow = source.m_n32BitsPerRow;
+    } else {
+        const int width = source.m_n32Width, height = source.m_n32Height;
+        if (!copy.m_pBuffer || copy.m_n32Width != width || copy.m_n32Height != height) {
+            copy.m_pBuffer.reset();
+            copy.m_pImagePtr = nullptr;
+            copy.TakeBlock(width, height);
+        }
+        const std::int32_t rowBits = PixelBlock::RowBits(width, height, kBits);
+        std::memcpy(copy.m_pImagePtr, source.m_pImagePtr, PixelBlock::Bytes(rowBits, height));
+        copy.m_n32BitsPerRow = rowBits;
+    }
+    copy.m_PixelWidth = source.m_PixelWidth;
+    copy.m_PixelHeight = source.m_PixelHeight;
 }
 
 template <class Pixel>
@@ -95,32 +142,8 @@ KxROI<Pixel>* KxImage<Pixel>::CreateROIClone(int bRecursive) const {
 }
 
 template <class Pixel>
-KxImage<Pixel>* KxImage<Pixel>::CopyImageTo(KxImage* pDestination, bool recursive) const {
-    if (pDestination == this) return pDestination;
-    std::unique_ptr<KxImage> made(pDestination ? nullptr : new KxImage);
-    KxImage& destination = pDestination ? *pDestination : *made;
-
-    this->CopyRegionTo(destination, recursive);
-    if (!m_pBuffer) {
-        destination.SetImagePtr(this->m_n32Width, this->m_n32Height, m_pImagePtr, m_n32BitsPerRow);
-    } else {
-        destination.m_n32Width = destination.m_n32Height = 0;
-        destination.Resize(this->m_n32Width, this->m_n32Height, true);
-        if (destination.m_pImagePtr)
-            std::memcpy(destination.m_pImagePtr, m_pImagePtr, BlockBytes(m_n32BitsPerRow, this->m_n32Height));
-    }
-    destination.m_PixelWidth = m_PixelWidth;
-    destination.m_PixelHeight = m_PixelHeight;
-    if (destination.m_pImagePtr) {
-        destination.m_MaskRuns = this->m_MaskRuns;
-        if (!this->m_bMaskOffsets) RebaseRuns(destination.m_MaskRuns, m_pImagePtr, destination.m_pImagePtr);
-    }
-    return pDestination ? pDestination : made.release();
-}
-
-template <class Pixel>
 void KxImage<Pixel>::SetSize(int n32Width, int n32Height) {
-    Resize(n32Width, n32Height, true);
+    AtBoundary(nullptr, [&] { Resize(n32Width, n32Height); });
 }
 
 template <class Pixel>
@@ -134,32 +157,29 @@ void KxImage<Pixel>::SetSize(KxGenericROI* pOther) {
 }
 
 template <class Pixel>
-void KxImage<Pixel>::Resize(int width, int height, bool clipChildren) {
-    constexpr const char* kTraceName = "KxImage::SetSize";
-    constexpr int kBits = PixelTraits<Pixel>::kBitsPerPixel;
+void KxImage<Pixel>::Resize(int width, int height) {
     if (width == this->m_n32Width && height == this->m_n32Height) return;
-    if (width < 0 || height < 0) return Report(KX_ERROR_PARAMETER_1_OUT_OF_RANGE, kTraceName);
-    const std::int64_t bitsPerRow = RoundUp(std::int64_t{width} * kBits, kRowAlignmentBits);
-    if (!FitsInt32(bitsPerRow) || (std::int64_t{width} * height * (kBits / 8)) >> 32)
-        return Report(KX_ERROR_ORIGIN_IMAGE_TOO_BIG, kTraceName);
+    AtTracePoint("KxImage::SetSize", [&] {
+        const std::int32_t rowBits = PixelBlock::RowBits(width, height, PixelTraits<Pixel>::kBitsPerPixel);
+        VectorCore<KxRun>::SetCapacity(this->m_MaskRuns, 0);
+        this->m_n32Width = width;
+        this->m_n32Height = height;
+        RegionTree::ClipChildren(*this);
+        m_n32BitsPerRow = rowBits;
+        m_pBuffer.reset();
+        m_pImagePtr = nullptr;
+        if (width == 0 || height == 0) return;
+        Undo undo([&] { this->m_n32Width = this->m_n32Height = 0; });
+        TakeBlock(width, height);
+        undo.Keep();
+    });
+}
 
-    this->m_MaskRuns.SetMaxElements(0);
-    this->m_n32Width = width;
-    this->m_n32Height = height;
-    if (clipChildren) AtBoundary(kTraceName, [&] { RegionTree::ClipChildren(*this); });
-    m_n32BitsPerRow = static_cast<std::int32_t>(bitsPerRow);
-    m_pBuffer.reset();
-    m_pImagePtr = nullptr;
-    if (width == 0 || height == 0) return;
-
-    m_pBuffer.reset(new (std::nothrow) std::uint8_t[BlockBytes(bitsPerRow, height) + kSlackBytes]);
-    if (!m_pBuffer) {
-        this->m_n32Width = this->m_n32Height = 0;
-        return Report(KX_ERROR_ALLOCATION, kTraceName);
-    }
-    const std::uintptr_t misalignment =
-        reinterpret_cast<std::uintptr_t>(m_pBuffer.get()) % kFirstPixelAlignment;
-    m_pImagePtr = m_pBuffer.get() + (kFirstPixelAlignment - misalignment) % kFirstPixelAlignment;
+template <class Pixel>
+void KxImage<Pixel>::TakeBlock(int width, int height) {
+    PixelBlock block = PixelBlock::Allocate(width, height, PixelTraits<Pixel>::kBitsPerPixel);
+    m_pBuffer = std::move(block.memory);
+    m_pImagePtr = block.firstPixel;
 }
 
 template <class Pixel>
@@ -168,11 +188,11 @@ void KxImage<Pixel>::SetImagePtr(int n32Width, int n32Height, void* pPixels, int
     if (n32Width < 0 || n32Height < 0) return Report(KX_ERROR_PARAMETER_1_OUT_OF_RANGE, kTraceName);
     const std::int64_t bitsPerRow =
         n32BitsPerRow ? n32BitsPerRow
-                      : RoundUp(std::int64_t{n32Width} * PixelTraits<Pixel>::kBitsPerPixel, 32);
+                      : (std::int64_t{n32Width} * PixelTraits<Pixel>::kBitsPerPixel + 31) / 32 * 32;
     if (!FitsInt32(bitsPerRow)) return Report(KX_ERROR_ORIGIN_IMAGE_TOO_BIG, kTraceName);
     this->m_n32Width = n32Width;
     this->m_n32Height = n32Height;
-    AtBoundary(kTraceName, [&] { RegionTree::ClipChildren(*this); });
+    RegionTree::ClipChildren(*this);
     m_pBuffer.reset();
     m_pImagePtr = static_cast<std::uint8_t*>(pPixels);
     m_n32BitsPerRow = static_cast<std::int32_t>(bitsPerRow);

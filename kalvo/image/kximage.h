@@ -4,6 +4,10 @@
 #include "kalvo/image/kxroi.h"
 #include "kalvo/measure/kxdimensionalvalue.h"
 
+namespace Zelkor::Kalvo {
+struct ImageCore;
+}
+
 /// An image over pixels of type `Pixel`. It owns a buffer (rows padded to multiples of 24 bytes, the first
 /// pixel aligned to 32 bytes), or wraps a buffer of the caller, or is empty.
 template <class Pixel>
@@ -21,12 +25,14 @@ public:
     /// Makes `pDestination` a copy of this image: a copy of an owned buffer, or another image on the same
     /// buffer of the caller; placement, texts, colour system, mask, pixel size, and with clones of the
     /// children when `bRecursive` is not 0. Null makes a new image, which belongs to the caller. Returns the
-    /// destination; without memory it is empty, with `KX_ERROR_ALLOCATION` in the slot.
+    /// destination; without memory it is empty, or null when it was to be made, with `KX_ERROR_ALLOCATION` in
+    /// the slot. A destination with a buffer of the same size keeps that buffer.
     KxImage* CopyTo(KxImage* pDestination = nullptr, int bRecursive = 1) const;
     KxROI<Pixel>* CreateROIClone(int bRecursive = 1) const override;
 
-    /// Gives the image a fresh, uninitialised buffer of its own and clips its children to it. Nothing happens
-    /// when the size is the same. Fails with `KX_ERROR_PARAMETER_1_OUT_OF_RANGE` (negative size) or
+    /// Gives the image a fresh buffer of its own and clips its children to it. Its pixels are not
+    /// initialised, the bits behind the last one of each row are 0. Nothing happens when the size is the
+    /// same. Fails with `KX_ERROR_PARAMETER_1_OUT_OF_RANGE` (negative size) or
     /// `KX_ERROR_ORIGIN_IMAGE_TOO_BIG` (4 GiB of pixels, or a row of 256 MiB), unchanged, and with
     /// `KX_ERROR_ALLOCATION`, empty.
     void SetSize(int n32Width, int n32Height) override;
@@ -39,6 +45,14 @@ public:
     void SetImagePtr(int n32Width, int n32Height, void* pPixels, int n32BitsPerRow = 0);
     /// The same with the current size.
     void SetImagePtr(void* pPixels, int n32BitsPerRow = 0);
+    /// Address of pixel (x, y), which must lie inside, also of a `KxYUY2` image; null when there are no
+    /// pixels.
+    const Pixel* GetImagePtr(int n32X = 0, int n32Y = 0) const {
+        return static_cast<const Pixel*>(GetGenericImagePtr(n32X, n32Y));
+    }
+    Pixel* GetImagePtr(int n32X = 0, int n32Y = 0) {
+        return static_cast<Pixel*>(GetGenericImagePtr(n32X, n32Y));
+    }
     /// Distance between rows in bits.
     int GetBitsPerRow() const { return m_n32BitsPerRow; }
 
@@ -66,10 +80,7 @@ public:
     KxSerializer::ObjectType GetSerializationType() override;
     /// Not supported: throws the int 0.
     void DumpToStream(std::ostream& stream, int n32Indent) const override;
-    void DrawMask(HDC hDC, float f32ZoomX, float f32ZoomY, float f32PanX, float f32PanY) override;
-    void Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32ZoomY, float f32PanX,
-              float f32PanY) override;
-    void Draw(HDC hDC, float f32ZoomX, float f32ZoomY) override;
+    using KxROI<Pixel>::Draw;
     /// Draw an image of `KxBW8` pixels through a table, as the members of `KxROI` do.
     void Draw(HDC hDC, KxBW8Vector* pLut, float f32ZoomX, float f32ZoomY);
     void Draw(HDC hDC, KxC24Vector* pLut, float f32ZoomX, float f32ZoomY);
@@ -83,9 +94,15 @@ protected:
 
 private:
     friend class Zelkor::Kalvo::RecordTransfer;
+    friend class Zelkor::Kalvo::RegionCopy;
+    friend struct Zelkor::Kalvo::ImageCore;
 
-    void Resize(int width, int height, bool clipChildren);
-    KxImage* CopyImageTo(KxImage* pDestination, bool recursive) const;
+    /// What `SetSize` does, but throws.
+    void Resize(int width, int height);
+    /// Gives `copy` the pixels of `source`, which may be another image's, and the size of a pixel. Throws
+    /// KX_ERROR_ALLOCATION.
+    static void CopyPixels(const KxImage& source, KxImage& copy);
+    void TakeBlock(int width, int height);
     void SerializeFields(KxSerializer& serializer, unsigned version);
     void ReadPixels(KxSerializer& serializer);
     void WritePixels(KxSerializer& serializer);

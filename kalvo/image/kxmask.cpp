@@ -6,11 +6,13 @@
 #include <limits>
 
 #include "kalvo/frame/boundary.h"
-#include "kalvo/image/kxroi.h"
+#include "kalvo/image/kxregionbase.h"
+#include "kalvo/vectors/vectorcore.h"
 
-using namespace Zelkor::Kalvo;
-
+namespace Zelkor::Kalvo {
 namespace {
+
+constexpr unsigned kMoreThanAnyVector = std::numeric_limits<unsigned>::max();
 
 __extension__ using WideInteger = __int128;  // products of four sides of an image overflow 64 bits
 
@@ -91,26 +93,14 @@ private:
     std::uintptr_t m_base;
 };
 
-// Gives the mask `count` runs; a negative count is more than any vector holds. False, and traced, on failure.
-bool SetNumRuns(KxVectorTemplate<KxRun>& runs, int count, const char* traceName) {
-    KxOk();
-    runs.SetNumElements(static_cast<unsigned>(count));
-    if (KxSuccess()) return true;
-    KxTraceError(traceName);
-    return false;
-}
-
 }  // namespace
 
-template <class Pixel>
-void KxROI<Pixel>::ResetMask() {
+void RegionBase::ResetMask() {
     KxOk();
-    m_MaskRuns.SetMaxElements(0);
-    if (KxFailure()) KxTraceError("KxROI::ResetMask");
+    AtBoundary("KxROI::ResetMask", [&] { VectorCore<KxRun>::SetCapacity(m_MaskRuns, 0); });
 }
 
-template <class Pixel>
-void KxROI<Pixel>::SetRectangleMask(int n32X, int n32Y, int n32Width, int n32Height) {
+void RegionBase::SetRectangleMask(int n32X, int n32Y, int n32Width, int n32Height) {
     const bool whole = n32Width < 1 || n32Height < 1;
     const auto clip = [](int& first, std::int64_t size, int limit) {
         const std::int64_t end = std::min(first + size, std::int64_t{limit});
@@ -121,63 +111,57 @@ void KxROI<Pixel>::SetRectangleMask(int n32X, int n32Y, int n32Width, int n32Hei
     const int height = clip(n32Y, whole ? m_n32Height : n32Height, m_n32Height);
 
     // No runs would mean that every pixel counts, so a rectangle clipped to nothing is refused.
-    const bool nothing = width == 0 || height == 0;
-    if (!SetNumRuns(m_MaskRuns, nothing ? -1 : height, "KxROI::SetRectangleMask")) return;
-    const RunMaker maker(*this, m_bMaskOffsets);
-    for (int row = 0; row < height; ++row)
-        m_MaskRuns[static_cast<unsigned>(row)] = maker.Make(n32X, n32Y + row, width);
+    const unsigned runs = width == 0 || height == 0 ? kMoreThanAnyVector : static_cast<unsigned>(height);
+    KxOk();
+    AtBoundary("KxROI::SetRectangleMask", [&] {
+        VectorCore<KxRun>::SetCount(m_MaskRuns, runs);
+        const RunMaker maker(*this, m_bMaskOffsets);
+        for (int row = 0; row < height; ++row)
+            m_MaskRuns[static_cast<unsigned>(row)] = maker.Make(n32X, n32Y + row, width);
+    });
 }
 
-template <class Pixel>
-void KxROI<Pixel>::SetEllipseMask(int n32X, int n32Y, int n32Width, int n32Height) {
+void RegionBase::SetEllipseMask(int n32X, int n32Y, int n32Width, int n32Height) {
     if (n32Width < 1 || n32Height < 1) {
         n32X = n32Y = 0;
         n32Width = m_n32Width;
         n32Height = m_n32Height;
     }
-    if (!SetNumRuns(m_MaskRuns, n32Height, "KxROI::SetEllipseMask")) return;
-    const RunMaker maker(*this, m_bMaskOffsets);
-    const Ellipse ellipse(n32Width, n32Height);
-    for (int row = 0; row < n32Height; ++row) {
-        const Columns inside = ellipse.ColumnsAtOrBelow(0, row);
-        m_MaskRuns[static_cast<unsigned>(row)] =
-            maker.Make(n32X + inside.first, n32Y + row, inside.end - inside.first);
-    }
+    KxOk();
+    AtBoundary("KxROI::SetEllipseMask", [&] {
+        VectorCore<KxRun>::SetCount(m_MaskRuns, static_cast<unsigned>(n32Height));
+        const RunMaker maker(*this, m_bMaskOffsets);
+        const Ellipse ellipse(n32Width, n32Height);
+        for (int row = 0; row < n32Height; ++row) {
+            const Columns inside = ellipse.ColumnsAtOrBelow(0, row);
+            m_MaskRuns[static_cast<unsigned>(row)] =
+                maker.Make(n32X + inside.first, n32Y + row, inside.end - inside.first);
+        }
+    });
 }
 
-template <class Pixel>
-void KxROI<Pixel>::SetRingMask(float f32Ratio) {
+void RegionBase::SetRingMask(float f32Ratio) {
     m_MaskRuns.Empty();
     const RunMaker maker(*this, m_bMaskOffsets);
     const Ellipse ellipse(m_n32Width, m_n32Height);
     const WideInteger holeLimit = HoleLimit(ellipse, f32Ratio);
     const auto addRun = [&](int first, int end, int row) {
-        if (first >= end) return true;
-        KxOk();
-        m_MaskRuns.AddElement(maker.Make(first, row, end - first));
-        return KxSuccess() != 0;
+        if (first < end) VectorCore<KxRun>::Append(m_MaskRuns, maker.Make(first, row, end - first));
     };
-    for (int row = 0; row < m_n32Height; ++row) {
-        const Columns outer = ellipse.ColumnsAtOrBelow(0, row);
-        const Columns hole = ellipse.ColumnsAtOrBelow(holeLimit, row);
-        const bool added = hole.first == hole.end
-                               ? addRun(outer.first, outer.end, row)
-                               : addRun(outer.first, hole.first, row) && addRun(hole.end, outer.end, row);
-        if (!added) {
-            KxTraceError("KxROI::SetRingMask");
-            return;
+    AtBoundary("KxROI::SetRingMask", [&] {
+        for (int row = 0; row < m_n32Height; ++row) {
+            const Columns outer = ellipse.ColumnsAtOrBelow(0, row);
+            const Columns hole = ellipse.ColumnsAtOrBelow(holeLimit, row);
+            if (hole.first == hole.end) {
+                addRun(outer.first, outer.end, row);
+            } else {
+                addRun(outer.first, hole.first, row);
+                addRun(hole.end, outer.end, row);
+            }
         }
-    }
+    });
 }
 
-template <class Pixel>
-void KxROI<Pixel>::SetBinarizedMask(unsigned int) {}
+void RegionBase::SetBinarizedMask(unsigned int) {}
 
-#define KX_INSTANTIATE(Pixel)                                                \
-    template KX_API void KxROI<Pixel>::ResetMask();                          \
-    template KX_API void KxROI<Pixel>::SetRectangleMask(int, int, int, int); \
-    template KX_API void KxROI<Pixel>::SetEllipseMask(int, int, int, int);   \
-    template KX_API void KxROI<Pixel>::SetRingMask(float);                   \
-    template KX_API void KxROI<Pixel>::SetBinarizedMask(unsigned int);
-KX_FOR_EACH_PIXEL(KX_INSTANTIATE)
-#undef KX_INSTANTIATE
+}  // namespace Zelkor::Kalvo

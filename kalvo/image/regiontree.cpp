@@ -3,7 +3,7 @@
 #include "kalvo/image/regiontree.h"
 
 #include <algorithm>
-#include <vector>
+#include <utility>
 
 #include "kalvo/frame/boundary.h"
 
@@ -14,30 +14,40 @@ const RegionTree::Axis RegionTree::kHorizontal = {&KxGenericROI::m_n32OrgX, &KxG
 const RegionTree::Axis RegionTree::kVertical = {&KxGenericROI::m_n32OrgY, &KxGenericROI::m_n32Height,
                                                 "KxROI::SetHeight"};
 
-void RegionTree::Append(KxGenericROI& parent, KxGenericROI& child, KxGenericROI* lastChild) {
-    KxGenericROI** link = lastChild ? &lastChild->m_pSibling : &parent.m_pFirstSubROI;
-    while (*link) link = &(*link)->m_pSibling;
-    *link = &child;
+// The first child's link to the sibling before it leads to the last one, so that both ends are at hand.
+void RegionTree::Append(KxGenericROI& parent, KxGenericROI& child) noexcept {
     child.m_pParent = &parent;
+    if (KxGenericROI* first = parent.m_pFirstSubROI) {
+        child.m_pPreviousSibling = first->m_pPreviousSibling;
+        child.m_pPreviousSibling->m_pSibling = first->m_pPreviousSibling = &child;
+    } else {
+        parent.m_pFirstSubROI = child.m_pPreviousSibling = &child;
+    }
 }
 
-void RegionTree::Attach(KxGenericROI& parent, KxGenericROI& child) {
+void RegionTree::Attach(KxGenericROI& parent, KxGenericROI& child) noexcept {
     Append(parent, child);
     child.m_eColorSystem = parent.m_eColorSystem;
     if (child.IsAnROI()) Clip(child);  // an image in a tree keeps the size of its buffer
 }
 
-void RegionTree::Clip(KxGenericROI& region) {
-    SetSize(region, kHorizontal, region.m_n32Width);
-    SetSize(region, kVertical, region.m_n32Height);
+void RegionTree::MoveChildren(KxGenericROI& from, KxGenericROI& to) noexcept {
+    to.m_pFirstSubROI = std::exchange(from.m_pFirstSubROI, nullptr);
+    for (KxGenericROI* child = to.m_pFirstSubROI; child; child = child->m_pSibling) child->m_pParent = &to;
 }
 
-void RegionTree::Unlink(KxGenericROI& child) {
+void RegionTree::Unlink(KxGenericROI& child) noexcept {
     if (!child.m_pParent) return;
-    KxGenericROI** link = &child.m_pParent->m_pFirstSubROI;
-    while (*link != &child) link = &(*link)->m_pSibling;
-    *link = child.m_pSibling;
-    child.m_pParent = child.m_pSibling = nullptr;
+    KxGenericROI*& first = child.m_pParent->m_pFirstSubROI;
+    KxGenericROI* const previous = child.m_pPreviousSibling;
+    KxGenericROI* const next = child.m_pSibling;
+    (first == &child ? first : previous->m_pSibling) = next;
+    if (KxGenericROI* follower = next ? next : first) follower->m_pPreviousSibling = previous;
+    child.m_pParent = child.m_pSibling = child.m_pPreviousSibling = nullptr;
+}
+
+void RegionTree::UnlinkChildren(KxGenericROI& parent) noexcept {
+    while (KxGenericROI* child = parent.m_pFirstSubROI) Unlink(*child);
 }
 
 void RegionTree::ReleaseChildren(KxGenericROI& parent) noexcept {
@@ -60,62 +70,115 @@ void RegionTree::ReleaseChildren(KxGenericROI& parent) noexcept {
     }
 }
 
-bool RegionTree::IsWithin(const KxGenericROI& node, const KxGenericROI& ancestor) {
+bool RegionTree::IsWithin(const KxGenericROI& node, const KxGenericROI& ancestor) noexcept {
     const KxGenericROI* current = &node;
     while (current && current != &ancestor) current = current->m_pParent;
     return current != nullptr;
 }
 
-namespace {
+RegionTree::Place RegionTree::PlaceOf(const KxGenericROI& region, std::int64_t x, std::int64_t y) noexcept {
+    const KxGenericROI* node = &region;
+    while (true) {
+        if (!const_cast<KxGenericROI*>(node)->IsAnROI()) return {node, x, y};
+        if (!node->m_pParent) return {nullptr, x, y};
+        x += node->m_n32OrgX;
+        y += node->m_n32OrgY;
+        node = node->m_pParent;
+    }
+}
 
-// What is still to be done of a layout. Kept on a stack of its own, so the order is that of plain recursion.
-struct LayoutStep {
-    enum Kind { kApply, kReapplyFrom, kReport } kind;
-    KxGenericROI* region;  // kReapplyFrom: this region and its following siblings, each with its own size
-    const RegionTree::Axis* axis;
-    std::int64_t size;
-};
+void RegionTree::Clip(KxGenericROI& region) noexcept {
+    SetSize(region, kHorizontal, region.m_n32Width);
+    SetSize(region, kVertical, region.m_n32Height);
+}
 
-}  // namespace
+void RegionTree::ClipChildren(KxGenericROI& parent) noexcept {
+    for (KxGenericROI* child = parent.m_pFirstSubROI; child; child = child->m_pSibling)
+        if (child->IsAnROI()) Clip(*child);
+}
 
-bool RegionTree::SetSize(KxGenericROI& region, const Axis& axis, std::int64_t size) {
-    bool keptOrigin = true;
-    std::vector<LayoutStep> steps{{LayoutStep::kApply, &region, &axis, size}};
-    while (!steps.empty()) {
-        const LayoutStep step = steps.back();
-        steps.pop_back();
-        KxGenericROI* node = step.region;
-        if (!node) continue;
-        if (step.kind == LayoutStep::kReport) {
-            Report(KX_ERROR_ROI_OUT_OF_PARENT, step.axis->setterName);
-            continue;
+// Applies a size to a region, and then to all below it, each time their own. The order is that of plain
+// recursion: a region that is moved back applies its width and its height anew, with everything below it each
+// time, before its siblings go on. How far it has come stands in the region itself.
+class RegionTree::LayoutWalk {
+public:
+    LayoutWalk(KxGenericROI& root, const Axis& axis, std::int64_t size)
+        : m_root(root), m_node(&root), m_axis(&axis), m_size(size) {}
+
+    // Whether the root kept its origin.
+    bool Run() {
+        while (m_node) {
+            const bool isRegion =
+                m_node == &m_root || m_node->IsAnROI();  // images keep the size of their buffers
+            if (isRegion && !Apply()) continue;
+            if (isRegion && m_node->m_pFirstSubROI)
+                MoveTo(m_node->m_pFirstSubROI);
+            else
+                GoOn();
         }
-        std::int64_t nodeSize = step.size;
-        if (step.kind == LayoutStep::kReapplyFrom) {
-            if (node->m_pSibling) steps.push_back({LayoutStep::kReapplyFrom, node->m_pSibling, step.axis, 0});
-            if (!node->IsAnROI()) continue;
-            nodeSize = node->*step.axis->size;
-        }
-        if (const KxGenericROI* parent = node->m_pParent) {
-            nodeSize = std::min(nodeSize, RoomFor(*node, *step.axis));
-            if (nodeSize < 0) {
-                keptOrigin &= node != &region;
-                node->m_n32OrgX = node->m_n32OrgY = 0;
-                steps.push_back({LayoutStep::kReport, node, step.axis, 0});
-                steps.push_back({LayoutStep::kApply, node, &kVertical, parent->m_n32Height});
-                steps.push_back({LayoutStep::kApply, node, &kHorizontal, parent->m_n32Width});
-                continue;
+        return m_keptOrigin;
+    }
+
+private:
+    // False when the region must begin anew.
+    bool Apply() {
+        if (const KxGenericROI* parent = m_node->m_pParent) {
+            m_size = std::min(m_size, RoomFor(*m_node, *m_axis));
+            if (m_size < 0) {
+                m_keptOrigin &= m_node != &m_root;
+                m_node->m_n32OrgX = m_node->m_n32OrgY = 0;
+                m_node->m_LayoutState = {LayoutState::kWidth, m_axis == &kVertical};
+                m_axis = &kHorizontal;
+                m_size = parent->m_n32Width;
+                return false;
             }
         }
-        node->*step.axis->size = static_cast<std::int32_t>(nodeSize);
-        if (node->m_pFirstSubROI)
-            steps.push_back({LayoutStep::kReapplyFrom, node->m_pFirstSubROI, step.axis, 0});
+        m_node->*m_axis->size = static_cast<std::int32_t>(m_size);
+        return true;
     }
-    return keptOrigin;
+
+    void MoveTo(KxGenericROI* node) {
+        m_node = node;
+        m_size = node->*m_axis->size;
+    }
+
+    // From a node that is done with everything below it to the next one, or to the second half of the same.
+    void GoOn() {
+        while (true) {
+            LayoutState& state = m_node->m_LayoutState;
+            if (state.m_ePass == LayoutState::kWidth) {
+                state.m_ePass = LayoutState::kHeight;
+                m_axis = &kVertical;
+                m_size = m_node->m_pParent->m_n32Height;
+                return;
+            }
+            if (state.m_ePass == LayoutState::kHeight) {
+                state.m_ePass = LayoutState::kNone;
+                m_axis = state.m_bInHeightPass ? &kVertical : &kHorizontal;
+                Report(KX_ERROR_ROI_OUT_OF_PARENT, m_axis->setterName);
+            }
+            if (m_node == &m_root) {
+                m_node = nullptr;
+                return;
+            }
+            if (m_node->m_pSibling) return MoveTo(m_node->m_pSibling);
+            m_node = m_node->m_pParent;
+        }
+    }
+
+    KxGenericROI& m_root;
+    KxGenericROI* m_node;
+    const Axis* m_axis;
+    std::int64_t m_size;
+    bool m_keptOrigin = true;
+};
+
+bool RegionTree::SetSize(KxGenericROI& region, const Axis& axis, std::int64_t size) noexcept {
+    return LayoutWalk(region, axis, size).Run();
 }
 
 void RegionTree::SetOrigin(KxGenericROI& region, const Axis& axis, std::int32_t origin,
-                           const char* setterName) {
+                           const char* setterName) noexcept {
     const std::int64_t size = region.*axis.size;
     if (origin + size < 0) {
         if (const KxGenericROI* parent = region.m_pParent) {
@@ -129,30 +192,33 @@ void RegionTree::SetOrigin(KxGenericROI& region, const Axis& axis, std::int32_t 
     SetSize(region, axis, origin < 0 ? origin + size : size);
 }
 
-void RegionTree::ClipChildren(KxGenericROI& parent) {
-    for (KxGenericROI* child = parent.m_pFirstSubROI; child; child = child->m_pSibling)
-        if (child->IsAnROI()) Clip(*child);
-}
-
-bool RegionTree::FitDescendants(KxGenericROI& top) {
+bool RegionTree::FitDescendants(KxGenericROI& top) noexcept {
     bool allInside = true;
-    KxGenericROI* node = top.m_pFirstSubROI;
-    while (node) {
-        if (node->IsAnROI()) {
-            allInside &= FitIntoParent(*node);
-            if (node->m_pFirstSubROI) {
-                node = node->m_pFirstSubROI;
-                continue;
-            }
-        }
-        // An image below is the root of its own regions.
-        while (node != &top && !node->m_pSibling) node = node->m_pParent;
-        node = node == &top ? nullptr : node->m_pSibling;
+    bool isImage = false;  // an image below is the root of its own regions
+    for (KxGenericROI* node = Next(&top, top); node; node = Next(node, top, isImage)) {
+        isImage = !node->IsAnROI();
+        if (!isImage) allInside &= FitIntoParent(*node);
     }
     return allInside;
 }
 
-bool RegionTree::FitIntoParent(KxGenericROI& region) {
+void RegionTree::AttachCopies(KxGenericROI& root) noexcept {
+    const auto firstLeaf = [](KxGenericROI* node) {
+        while (node->m_pFirstSubROI) node = node->m_pFirstSubROI;
+        return node;
+    };
+    for (KxGenericROI* node = firstLeaf(&root); node != &root;) {
+        KxGenericROI* const parent = node->m_pParent;
+        node->m_eColorSystem = parent->m_eColorSystem;
+        node->m_bAllocated = 0;
+        const bool fits =
+            RoomFor(*node, kHorizontal) >= node->m_n32Width && RoomFor(*node, kVertical) >= node->m_n32Height;
+        if (!fits && node->IsAnROI()) Clip(*node);
+        node = node->m_pSibling ? firstLeaf(node->m_pSibling) : parent;
+    }
+}
+
+bool RegionTree::FitIntoParent(KxGenericROI& region) noexcept {
     const bool isInside = RoomFor(region, kHorizontal) >= 0 && RoomFor(region, kVertical) >= 0;
     if (!isInside) {
         region.m_n32OrgX = region.m_n32OrgY = 0;
@@ -166,7 +232,7 @@ bool RegionTree::FitIntoParent(KxGenericROI& region) {
     return isInside;
 }
 
-std::int64_t RegionTree::RoomFor(const KxGenericROI& region, const Axis& axis) {
+std::int64_t RegionTree::RoomFor(const KxGenericROI& region, const Axis& axis) noexcept {
     const KxGenericROI& parent = *region.m_pParent;
     const std::int64_t room = std::int64_t{parent.*axis.size} - region.*axis.origin;
     const int bits = region.GetBitsPerPixel();

@@ -31,47 +31,61 @@ void PointerVector::SetSize(int n32Size) {
     decltype(m_ppItems) items(n32Size > 0 ? AllocateItems(n32Size) : nullptr);
     const int kept = std::min(m_n32Count, n32Size);
     if (items || n32Size == 0) {
-        std::copy_n(m_ppItems.get(), kept, items.get());
+        std::copy_n(Begin(), kept, items.get());
         m_ppItems = std::move(items);
-    } else if (n32Size >
-               m_n32Capacity) {  // a block too large does no harm, so that shrinking always succeeds
+        m_n32First = 0;
+    } else if (n32Size > m_n32Capacity) {
         throw Exception(KX_ERROR_ALLOCATION);
+    } else {  // a block too large does no harm, so that shrinking always succeeds
+        MoveToFront();
     }
     m_n32Count = kept;
     m_n32Capacity = n32Size;
 }
 
+void PointerVector::MoveToFront() {
+    std::copy_n(Begin(), m_n32Count, m_ppItems.get());
+    m_n32First = 0;
+}
+
 void PointerVector::Insert(void* pItem, int n32Index) {
     CheckIndex(n32Index, m_n32Count + 1);
     if (m_n32Count == m_n32Capacity) SetSize(m_n32Capacity + kGrowth);
-    void** const position = m_ppItems.get() + n32Index;
-    void** const end = m_ppItems.get() + m_n32Count;
+    if (m_n32First + m_n32Count == m_n32Capacity) MoveToFront();
+    void** const position = Begin() + n32Index;
+    void** const end = Begin() + m_n32Count;
     std::copy_backward(position, end, end + 1);
     *position = pItem;
     ++m_n32Count;
 }
 
+// Moves what stands on the shorter side, so that both ends are removed without moving anything.
 void PointerVector::Remove(int n32Index) {
     CheckIndex(n32Index, m_n32Count);
-    void** const position = m_ppItems.get() + n32Index;
-    std::copy(position + 1, m_ppItems.get() + m_n32Count, position);
+    void** const position = Begin() + n32Index;
+    if (n32Index < m_n32Count / 2) {
+        std::copy_backward(Begin(), position, position + 1);
+        ++m_n32First;
+    } else {
+        std::copy(position + 1, Begin() + m_n32Count, position);
+    }
     --m_n32Count;
 }
 
 int PointerVector::Find(const void* pItem) const {
-    void** const begin = m_ppItems.get();
-    void** const end = begin + m_n32Count;
-    void** const found = std::find(begin, end, pItem);
-    return found == end ? -1 : static_cast<int>(found - begin);
+    void** const end = Begin() + m_n32Count;
+    void** const found = std::find(Begin(), end, pItem);
+    return found == end ? -1 : static_cast<int>(found - Begin());
 }
 
 void* PointerVector::At(int n32Index) const {
     CheckIndex(n32Index, m_n32Count);
-    return m_ppItems[n32Index];
+    return Begin()[n32Index];
 }
 
 void PointerVector::Swap(PointerVector& other) noexcept {
     std::swap(m_ppItems, other.m_ppItems);
+    std::swap(m_n32First, other.m_n32First);
     std::swap(m_n32Count, other.m_n32Count);
     std::swap(m_n32Capacity, other.m_n32Capacity);
 }

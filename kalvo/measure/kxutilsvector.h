@@ -40,7 +40,11 @@ private:
         void operator()(void** ppItems) const { Kalvo_Free(ppItems); }
     };
 
+    void MoveToFront();
+    void** Begin() const { return m_ppItems.get() + m_n32First; }
+
     std::unique_ptr<void*[], Free> m_ppItems;
+    std::int32_t m_n32First = 0;  // pointers that were removed from the front leave room there
     std::int32_t m_n32Count = 0;
     std::int32_t m_n32Capacity = 0;
 };

@@ -9,6 +9,7 @@
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/checkedsize.h"
+#include "kalvo/image/imagecore.h"
 #include "kalvo/image/regionrows.h"
 #include "kalvo/kernels/gatherplan.h"
 #include "kalvo/kernels/kernels.h"
@@ -118,10 +119,8 @@ void ResizeRegion(const KxROI<Pixel>& source, KxROI<Pixel>& destination) {
 
 template <class Pixel>
 void Resize(KxROI<Pixel>* source, KxROI<Pixel>* destination) {
-    AtBoundary("KxResize", [&] {
-        KxOk();
-        ResizeRegion(*source, *destination);
-    });
+    KxOk();
+    AtBoundary("KxResize", [&] { ResizeRegion(*source, *destination); });
 }
 
 // A size that no image has, 0, stands for what is negative or not a number.
@@ -133,13 +132,6 @@ int ScaledSize(int size, float scale) {
     return static_cast<int>(rounded);
 }
 
-template <class Operation>
-void Checked(const Operation& operation) {
-    KxOk();
-    operation();
-    if (KxFailure()) throw Exception(KxGetError());
-}
-
 template <class Pixel>
 void Rescale(KxImage<Pixel>* source, KxImage<Pixel>* destination, float scaleX, float scaleY) {
     AtBoundary("ImgRescale", [&] {
@@ -147,15 +139,18 @@ void Rescale(KxImage<Pixel>* source, KxImage<Pixel>* destination, float scaleX, 
         KxImage<Pixel> scaled;
         const int width = ScaledSize(source->GetWidth(), scaleX),
                   height = ScaledSize(source->GetHeight(), scaleY);
-        Checked([&] { scaled.SetSize(width, height); });
-        Checked([&] { KxResize(source, &scaled); });
+        ImageCore::Resize(scaled, width, height);
+        KxOk();
+        AtTracePoint("KxResize", [&] { ResizeRegion(*source, scaled); });
 
         // The destination only gets the shape: a buffer of its own would be allocated to be thrown away, and
-        // might not be had.
+        // might not be had. A mask of offsets fits any pixels of the same shape.
         KxImage<Pixel>& target = destination ? *destination : *source;
-        target.ResetMask();
+        const bool hasShape = target.GetWidth() == width && target.GetHeight() == height;
+        if (!hasShape || !target.GetMaskOffsets()) target.ResetMask();
         target.SetImagePtr(width, height, nullptr, scaled.GetBitsPerRow());
         target.SwapPixels(scaled);
+        KxOk();
     });
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "kalvo/frame/boundary.h"
+#include "kalvo/vectors/vectorcore.h"
 #include "kalvo/vectors/vectorfile.h"
 
 namespace {
@@ -38,6 +39,61 @@ void ThrowStoredFailure() {
 }
 
 }  // namespace
+
+namespace Zelkor::Kalvo {
+
+template <class T>
+void VectorCore<T>::SetCapacity(Vector& vector, unsigned capacity, bool keep) {
+    if (capacity == vector.m_un32MaxElements) return;
+    AtTracePoint("KxVector::SetMaxElements", [&] {
+        std::unique_ptr<T[]> elements = MakeElements<T>(capacity);
+        vector.m_un32NumElements = keep ? std::min(vector.m_un32NumElements, capacity) : 0;
+        std::copy_n(vector.m_pData, vector.m_un32NumElements, elements.get());
+        delete[] std::exchange(vector.m_pData, elements.release());
+        vector.m_un32MaxElements = capacity;
+    });
+}
+
+template <class T>
+void VectorCore<T>::SetCount(Vector& vector, unsigned count) {
+    if (count > vector.m_un32MaxElements)
+        AtTracePoint("KxVector::SetNumElements", [&] { SetCapacity(vector, count); });
+    vector.m_un32NumElements = count;
+}
+
+template <class T>
+void VectorCore<T>::Grow(Vector& vector, const char* traceName) {
+    AtTracePoint(traceName, [&] {
+        if (vector.m_un32MaxElements == kMostElements<T>) throw Exception(KX_ERROR_ALLOCATION);
+        const std::uint64_t doubled =
+            vector.m_un32MaxElements ? 2 * std::uint64_t{vector.m_un32MaxElements} : 1;
+        SetCapacity(vector, static_cast<unsigned>(std::min<std::uint64_t>(doubled, kMostElements<T>)));
+    });
+}
+
+template <class T>
+void VectorCore<T>::Append(Vector& vector, const T& value) {
+    if (vector.m_un32NumElements == vector.m_un32MaxElements) Grow(vector, "KxVector::AddElement");
+    vector.m_pData[vector.m_un32NumElements++] = value;
+}
+
+template <class T>
+void VectorCore<T>::Assign(Vector& vector, const Vector& source) {
+    SetCapacity(vector, source.m_un32NumElements, false);
+    vector.m_un32NumElements = source.m_un32NumElements;
+    std::copy_n(source.m_pData, source.m_un32NumElements, vector.m_pData);
+}
+
+template <class T>
+void VectorCore<T>::Swap(Vector& a, Vector& b) noexcept {
+    std::swap(a.m_un32NumElements, b.m_un32NumElements);
+    std::swap(a.m_un32MaxElements, b.m_un32MaxElements);
+    std::swap(a.m_pData, b.m_pData);
+}
+
+template struct VectorCore<KxRun>;
+
+}  // namespace Zelkor::Kalvo
 
 template <class T>
 KxVectorTemplate<T>::KxVectorTemplate(unsigned int un32NumElements) {
@@ -70,44 +126,25 @@ KxVectorTemplate<T>* KxVectorTemplate<T>::CopyTo(KxVectorTemplate* pDestination)
         Report(KX_ERROR_ALLOCATION, "KxVector::CopyTo");
         return nullptr;
     }
-    pDestination->SetMaxElements(m_un32NumElements, 0);
-    if (pDestination->m_un32MaxElements != m_un32NumElements) return pDestination;
-    pDestination->m_un32NumElements = m_un32NumElements;
-    std::copy_n(m_pData, m_un32NumElements, pDestination->m_pData);
+    AtBoundary(nullptr, [&] { VectorCore<T>::Assign(*pDestination, *this); });
     return pDestination;
 }
 
 template <class T>
 void KxVectorTemplate<T>::SetMaxElements(unsigned int un32MaxElements, int bKeep) {
-    if (un32MaxElements == m_un32MaxElements) return;
-    AtBoundary("KxVector::SetMaxElements", [&] {
-        std::unique_ptr<T[]> elements = MakeElements<T>(un32MaxElements);
-        m_un32NumElements = bKeep ? std::min(m_un32NumElements, un32MaxElements) : 0;
-        std::copy_n(m_pData, m_un32NumElements, elements.get());
-        delete[] std::exchange(m_pData, elements.release());
-        m_un32MaxElements = un32MaxElements;
-    });
+    AtBoundary(nullptr, [&] { VectorCore<T>::SetCapacity(*this, un32MaxElements, bKeep); });
 }
 
 template <class T>
 void KxVectorTemplate<T>::SetNumElements(unsigned int un32NumElements) {
-    if (un32NumElements > m_un32MaxElements) {
-        KxOk();
-        SetMaxElements(un32NumElements, 1);
-        if (un32NumElements > m_un32MaxElements) {
-            KxTraceError("KxVector::SetNumElements");
-            return;
-        }
-    }
-    m_un32NumElements = un32NumElements;
+    if (un32NumElements > m_un32MaxElements) KxOk();
+    AtBoundary(nullptr, [&] { VectorCore<T>::SetCount(*this, un32NumElements); });
 }
 
 template <class T>
 void KxVectorTemplate<T>::Grow(const char* traceName) {
     KxOk();
-    const std::uint64_t doubled = m_un32MaxElements ? 2 * std::uint64_t{m_un32MaxElements} : 1;
-    SetMaxElements(static_cast<unsigned>(std::min<std::uint64_t>(doubled, kMostElements<T>)), 1);
-    if (m_un32NumElements == m_un32MaxElements) Report(KX_ERROR_ALLOCATION, traceName);
+    AtBoundary(nullptr, [&] { VectorCore<T>::Grow(*this, traceName); });
 }
 
 template <class T>

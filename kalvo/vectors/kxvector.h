@@ -7,6 +7,11 @@
 #include "kalvo/base/kxexport.h"
 #include "kalvo/pixels/kxpixel.h"
 
+namespace Zelkor::Kalvo {
+template <class T>
+struct VectorCore;
+}
+
 /// A growable array of plain elements, with a small binary file format of its own. It exists for `KxBW8`,
 /// `KxBW16`, `KxBW32`, `KxC24`, `KxINT32`, `unsigned int` and `KxRun`.
 ///
@@ -89,6 +94,8 @@ public:
     void Load(const unsigned short* pszPath);
 
 private:
+    friend struct Zelkor::Kalvo::VectorCore<T>;
+
     static T& SpareElement();
     // Takes a copy: the element may lie in the buffer that growing releases.
     void Append(T value, const char* traceName) {

@@ -67,6 +67,8 @@ TEST(Plot, DrawsAxesTicksTitlesAndThenTheCurve) {
                                  "line 52 50 62 123 current",
                                  "line 62 123 72 89 current",
                              }));
+    EXPECT_EQ(surface.measured, (Calls{"-7", "33", "Index", "01", "2", "3", "012", "33", "30", "20", "10"}))
+        << "what the layout needs, from the least value on";
     EXPECT_EQ(std::tuple(vector.XView(0), vector.XView(3), vector.YView(-7), vector.YView(33)),
               std::tuple(42, 72, 123, 50));
 }

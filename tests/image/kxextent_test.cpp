@@ -139,6 +139,11 @@ TEST(ExtentList, BroadcastsWhenItemsComeAndGo) {
 }
 
 TEST(ExtentList, CopiesItemsButNotListeners) {
+    ExtentList source;
+    source.Add({1, 2, 3, 4});
+    const GenericRoiExtent plain = source[0];
+    EXPECT_EQ(plain, GenericRoiExtent(1, 2, 3, 4)) << "an item is an extent too";
+
     Ear ear;
     ExtentList list;
     list.AddListener(&ear);
@@ -168,6 +173,35 @@ TEST(UtilsVector, GrowsBy32AndKeepsWhatFits) {
     list.SetSize(40);
     EXPECT_EQ(list.Find(&values[29]), -1);
     EXPECT_EQ(list.Find(&values[30]), 39);
+}
+
+TEST(UtilsVector, StaysInOrderWhereverItemsComeAndGo) {
+    int values[200];
+    Utils::Vector<int*> list;
+    std::vector<int*> expected;
+    const auto items = [&] {
+        std::vector<int*> all;
+        for (int i = 0; i < list.NbItems(); ++i) all.push_back(list[i]);
+        return all;
+    };
+    unsigned random = 1;
+    for (int& value : values) {
+        random = random * 1664525 + 1013904223;
+        const int index = static_cast<int>(random >> 16) % (list.NbItems() + 1);
+        if (random >> 30 != 0 || index == list.NbItems()) {
+            list.InsertItem(&value, index);
+            expected.insert(expected.begin() + index, &value);
+        }
+        for (const int removed : {0, index, static_cast<int>(expected.size()) - 1}) {
+            if (random >> 28 & 1 || removed >= list.NbItems()) continue;
+            list.Remove(removed);
+            expected.erase(expected.begin() + removed);
+        }
+        ASSERT_EQ(items(), expected);
+    }
+    list.SetSize(2);
+    expected.resize(2);
+    EXPECT_EQ(items(), expected);
 }
 
 TEST(ExtentOperators, ReturnTheStoredCodeAndNeverThrow) {

@@ -72,20 +72,40 @@ TEST(RegionChecks, StoreAndReturnTheirCodes) {
 
 struct BreakableRegion : Region {
     using Region::Region;
-    void SetParentLink(KxGenericROI* parent) { m_pParent = parent; }
+    void SetLinks(KxGenericROI* parent, KxGenericROI* sibling, KxGenericROI* child) {
+        m_pParent = parent;
+        m_pSibling = sibling;
+        m_pFirstSubROI = child;
+    }
 };
 
 TEST(RegionTreeDeathTest, StopsOnABrokenLink) {
     Image image(100, 100), other(10, 10);
     Region sound(&image, 0, 0, 50, 50), grandchild(&sound, 0, 0, 10, 10);
-    BreakableRegion child(&image, 0, 0, 50, 50);
+    BreakableRegion child(&image, 0, 0, 50, 50), last(&image, 0, 0, 50, 50);
     EXPECT_EQ(KxGenericROI::DoesContainChild(&image, &child), 1);
     EXPECT_EQ(KxGenericROI::DoesContainChild(&image, &grandchild), 0);
     KxGenericROI::CheckParentChildrenConsistency(&image);
-    child.SetParentLink(&other);
-    EXPECT_DEATH(KxGenericROI::DoesContainChild(&image, &child), "inconsistent parent/daughters");
-    EXPECT_DEATH(KxGenericROI::CheckParentChildrenConsistency(&image), "CheckParentChildrenConsistency");
-    child.SetParentLink(&image);
+    const std::tuple<const char*, BreakableRegion*, KxGenericROI*, KxGenericROI*, KxGenericROI*> kFaults[] = {
+        {"another parent", &child, &other, &last, nullptr},
+        {"the list leads to its beginning", &last, &image, &sound, nullptr},
+        {"the list leads into its middle", &last, &image, &child, nullptr},
+        {"the list ends in a circle of one", &last, &image, &last, nullptr},
+    };
+    for (const auto& [fault, broken, parent, sibling, first] : kFaults) {
+        const auto breakLinks = [&] { broken->SetLinks(parent, sibling, first); };
+        const auto inDescendants = [&] { KxGenericROI::CheckParentChildrenConsistency(&image); };
+        const auto inList = [&] { KxGenericROI::DoesContainChild(&image, &sound); };
+        EXPECT_DEATH((breakLinks(), inDescendants()), "CheckParentChildrenConsistency") << fault;
+        EXPECT_DEATH((breakLinks(), inList()), "DoesContainChild(.|\n)*parent/daughters") << fault;
+    }
+    BreakableRegion upper, lower;
+    const auto makeCircle = [&] {
+        upper.SetLinks(&lower, nullptr, &lower);
+        lower.SetLinks(&upper, nullptr, &upper);
+        KxGenericROI::CheckParentChildrenConsistency(&upper);
+    };
+    EXPECT_DEATH(makeCircle(), "CheckParentChildrenConsistency") << "parents and children in a circle";
 }
 
 TEST(RegionDump, WritesFieldsAndChildren) {

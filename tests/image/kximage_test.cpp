@@ -9,6 +9,7 @@
 
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
+#include "tests/support/short_memory.h"
 #include "tests/support/trace_recorder.h"
 
 namespace Zelkor::Kalvo::Testing {
@@ -23,11 +24,19 @@ TYPED_TEST_SUITE(ImageBuffer, AllPixels);
 
 TYPED_TEST(ImageBuffer, PadsRowsAndAlignsTheFirstPixel) {
     constexpr int kBits = PixelTraits<TypeParam>::kBitsPerPixel;
+    for (KxImage<TypeParam> dirty(100, 10); dirty.GetWidth(); dirty.SetSize(0, 0))
+        std::memset(dirty.GetGenericImagePtr(0, 0), 0xEE, static_cast<std::size_t>(dirty.GetImgPitch()));
     KxImage<TypeParam> image(100, 10);
     EXPECT_EQ(image.GetBitsPerRow(), (100 * kBits + 191) / 192 * 192);
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(image.GetGenericImagePtr(0, 0)) % 32, 0u);
     const auto* first = static_cast<const std::uint8_t*>(image.GetGenericImagePtr(0, 0));
+    EXPECT_EQ(image.GetImagePtr(13, 3), image.GetGenericImagePtr(13, 3));
     EXPECT_EQ(image.GetGenericImagePtr(13, 3), first + 13 * kBits / 8 + 3 * image.GetRowPitch());
+    // Nothing that was left over in memory stands behind the pixels of a row.
+    const int pixelBytes = (100 * kBits + 7) / 8;
+    for (int y = 0; y < 10; ++y)
+        for (int byte = pixelBytes; byte < image.GetRowPitch(); ++byte)
+            ASSERT_EQ(first[y * image.GetRowPitch() + byte], 0);
     // The block reaches beyond the last row by at least eight bytes: address sanitizer watches.
     std::memset(image.GetGenericImagePtr(0, 0), 1, static_cast<std::size_t>(image.GetImgPitch()) + 8);
 }
@@ -110,6 +119,56 @@ TEST(ImageCopy, MovesTheMaskAndClonesTheTree) {
     image.SetRectangleMask(2, 1, 10, 3);
     const std::unique_ptr<Region> twin(image.CreateROIClone(0));
     EXPECT_EQ(twin->GetMaskRuns()[0], image.GetMaskRuns()[0]) << "offsets hold wherever the pixels are";
+}
+
+TEST(ImageCopy, WithoutMemoryIsEmptyAndLosesNothing) {
+    const TraceRecorder quiet;
+    Image image(30, 30);
+    Region region(&image, 3, 4, 15, 16), child(&region, 1, 1, 5, 5), second(&image, 0, 0, 4, 4);
+    for (KxGenericROI* node : {static_cast<KxGenericROI*>(&image), static_cast<KxGenericROI*>(&child)})
+        node->SetTitle("a title");
+    image.SetRectangleMask(0, 0, 30, 30);
+    bool hasFailed = true;
+    int points = 0;
+    for (; hasFailed; ++points) {
+        Image existing(7, 7);
+        existing.SetTitle("another title");
+        KxOk();
+        const long before = LiveBlocks();
+        {
+            const FailingMemory memory(points);
+            EXPECT_EQ(image.CopyTo(&existing, 1), &existing);
+            hasFailed = memory.HasFailed();
+        }
+        if (!hasFailed) break;
+        EXPECT_EQ(KxGetError(), KX_ERROR_ALLOCATION) << points;
+        EXPECT_EQ(existing.GetExtent(), GenericRoiExtent(0, 0, 0, 0)) << points;
+        EXPECT_EQ(existing.GetFirstSubROI(), nullptr) << points;
+        EXPECT_EQ(existing.Void(), 1);
+        EXPECT_LE(LiveBlocks(), before) << points;
+        EXPECT_EQ(image.GetFirstSubROI(), &region);
+        EXPECT_EQ(second.GetNextSiblingROI(), nullptr);
+    }
+    EXPECT_GT(points, 6);
+    {
+        const FailingMemory memory(0);
+        EXPECT_EQ(image.CopyTo(nullptr, 1), nullptr);
+    }
+    Region target(&image, 1, 1, 2, 2);
+    {
+        const FailingMemory memory(1);
+        EXPECT_EQ(region.CopyTo(&target, 1), &target);
+    }
+    EXPECT_EQ(target.GetExtent(), GenericRoiExtent(1, 1, 2, 2)) << "a region stays as it was";
+}
+
+TEST(ImageCopy, KeepsABufferOfItsSize) {
+    Image source(20, 10), destination(20, 10);
+    source.SetPixel(7, 3, 3);
+    const KxBW8* pixels = destination.GetImagePtr();
+    destination = source;
+    EXPECT_EQ(destination.GetImagePtr(), pixels);
+    EXPECT_EQ(destination.GetPixel(3, 3), 7);
 }
 
 TEST(ImageSwap, ExchangesPixelsOfTheSameSize) {

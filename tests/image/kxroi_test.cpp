@@ -8,6 +8,7 @@
 #include <climits>
 #include <deque>
 #include <memory>
+#include <sstream>
 #include <tuple>
 
 #include "kalvo/frame/kxlibrary.h"
@@ -210,6 +211,9 @@ TEST(BilevelPixels, AreBitsFromTheLeftAtAnyOffset) {
     region.SetPixel(0, 10, 0);
     EXPECT_EQ(row[1], 0xFB);
     EXPECT_EQ(region.GetSkip(), (192 - 20) / 8);
+    image.SetImagePtr(row, 100);
+    KxROI<KxBW1> odd(&image, 0, 0, 25, 1);
+    EXPECT_EQ(odd.GetSkip(), (100 - 25) / 8) << "rows need not be whole bytes";
 }
 
 TEST(Yuy2Pixels, ShareTheirChromaInPairs) {
@@ -263,19 +267,109 @@ TEST(RegionCopy, ClonesChildrenAsTheSettingSays) {
     EXPECT_EQ(source.GetFirstSubROI(), &child);
 }
 
+TEST(RegionCopy, LeavesTheTreeOfItsSourceAndAttachesClonesFromTheLeavesUp) {
+    Image image(100, 100);
+    Region source(&image, 10, 10, 40, 40), child(&source, 1, 2, 20, 20), second(&source, 5, 5, 5, 5);
+    Region grandchild(&child, 3, 4, 5, 5);
+    source.SetColorSystem(KX_COLOR_SYSTEM_LAB);
+    child.SetColorSystem(KX_COLOR_SYSTEM_LUV);
+    Region copy(&image, 0, 0, 1, 1);
+    source.CopyTo(&copy, 1);
+    EXPECT_EQ(source.GetFirstSubROI(), &child);
+    EXPECT_EQ(child.GetNextSiblingROI(), &second);
+    EXPECT_EQ(second.GetNextSiblingROI(), nullptr);
+    const std::unique_ptr<KxGenericROI> clone(copy.GetFirstSubROI()), other(clone->GetNextSiblingROI());
+    const std::unique_ptr<KxGenericROI> grandclone(clone->GetFirstSubROI());
+    EXPECT_EQ(clone->GetColorSystem(), KX_COLOR_SYSTEM_LAB) << "of its new parent";
+    EXPECT_EQ(grandclone->GetColorSystem(), KX_COLOR_SYSTEM_LUV) << "of its parent before that was attached";
+    EXPECT_EQ(other->GetExtent(), second.GetExtent());
+
+    source.CopyTo(&child, 1);  // a child of the source takes its place beside it
+    EXPECT_EQ(child.GetParent(), &image);
+    EXPECT_EQ(child.GetExtent(), source.GetExtent());
+    EXPECT_EQ(grandchild.GetParent(), nullptr);
+    const std::unique_ptr<KxGenericROI> twin(child.GetFirstSubROI());
+    EXPECT_EQ(twin->GetExtent(), second.GetExtent());
+    EXPECT_EQ(twin->GetNextSiblingROI(), nullptr);
+}
+
+struct UnclippedRegion : Region {
+    using Region::Region;
+    void ShrinkUnclipped(int width) { m_n32Width = width; }
+};
+
+TEST(RegionAttach, ToNothingClipsTheChildrenAllTheSame) {
+    UnclippedRegion region;
+    region.SetSize(20, 20);
+    Region child(&region, 5, 5, 10, 10);
+    region.ShrinkUnclipped(8);
+    region.Attach(nullptr);
+    EXPECT_EQ(child.GetExtent(), GenericRoiExtent(5, 5, 3, 10));
+}
+
+// A region that lost its place takes the width of its parent before the height, with its children each time.
+TEST(RegionLayout, ResetsWhatLiesBeyondFromTheOutsideIn) {
+    TraceRecorder trace;
+    Image image(100, 100);
+    Region outer(&image, 60, 0, 40, 30), inner(&outer, 30, 20, 10, 10), beside(&image, 10, 90, 10, 10);
+    Region below(&beside, 5, 5, 5, 5);
+    image.SetSize(50, 80);
+    EXPECT_EQ(outer.GetExtent(), GenericRoiExtent(0, 0, 50, 80));
+    EXPECT_EQ(inner.GetExtent(), GenericRoiExtent(30, 20, 10, 10));
+    EXPECT_EQ(beside.GetExtent(), GenericRoiExtent(0, 0, 50, 80));
+    EXPECT_EQ(below.GetExtent(), GenericRoiExtent(5, 5, 5, 5));
+    EXPECT_EQ(trace.Functions(), (Functions{"KxROI::SetWidth", "KxROI::SetHeight"}));
+    EXPECT_EQ(KxGetError(), KX_ERROR_ROI_OUT_OF_PARENT);
+}
+
+TEST(RegionTree, KeepsTheOrderOfSiblingsThatComeAndGo) {
+    Image image(10, 10);
+    std::deque<Region> regions(5);
+    for (Region& region : regions) region.Attach(&image);
+    const auto order = [&] {
+        std::string names;
+        for (const KxGenericROI* node = image.GetFirstSubROI(); node; node = node->GetNextSiblingROI())
+            for (std::size_t i = 0; i < regions.size(); ++i)
+                if (node == &regions[i]) names += static_cast<char>('0' + i);
+        return names;
+    };
+    const std::pair<int, const char*> kRemoved[] = {{0, "1234"}, {4, "1230"}, {2, "1304"}, {1, "3042"}};
+    int previous = -1;
+    for (const auto& [index, names] : kRemoved) {
+        regions[static_cast<std::size_t>(index)].Detach();
+        if (previous >= 0) regions[static_cast<std::size_t>(previous)].Attach(&image);
+        EXPECT_EQ(order(), names);
+        previous = index;
+    }
+}
+
 // Trees may be deep while stacks are small.
-TEST(RegionTree, IsLaidOutAndReleasedOnASmallStack) {
+TEST(RegionTree, IsUsedOnASmallStack) {
     const auto work = [](void*) -> void* {
         Image image(100, 100);
         std::deque<Region> regions;
         Region* parent = &image;
         for (int level = 0; level < 1000; ++level) parent = &regions.emplace_back(parent, 0, 0, 100, 100);
         image.SetSize(50, 60);
-        return parent->GetExtent() == GenericRoiExtent(0, 0, 50, 60) ? parent : nullptr;
+        std::ostringstream dump;
+        regions.front().DumpToStream(dump, 0);
+        KxGenericROI::CheckParentChildrenConsistency(&image);
+        const std::unique_ptr<Region> copy(regions.front().CopyTo());
+        int levels = 1;
+        for (const KxGenericROI* node = copy->GetFirstSubROI(); node; node = node->GetFirstSubROI()) ++levels;
+        for (KxGenericROI* node = copy->GetFirstSubROI(); node;) {
+            KxGenericROI* const below = node->GetFirstSubROI();
+            delete node;
+            node = below;
+        }
+        const bool isRight = levels == 1000 && parent->GetExtent() == GenericRoiExtent(0, 0, 50, 60) &&
+                             parent->GetImagePtr(3, 4) == image.GetImagePtr(3, 4) &&
+                             dump.str().size() > 1000 * 1000;
+        return isRight ? parent : nullptr;
     };
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 128 * 1024);
+    pthread_attr_setstacksize(&attributes, 64 * 1024);
     pthread_t thread;
     ASSERT_EQ(pthread_create(&thread, &attributes, work, nullptr), 0);
     void* result = nullptr;

@@ -14,6 +14,7 @@ class RecordingSurface final : public DrawAdapter {
 
 public:
     std::vector<std::string> calls;
+    std::vector<std::string> measured;
     int penWidth = 1;
     DrawPoint letter{7, 12};
 
@@ -32,6 +33,7 @@ public:
         Record('"' + text + '"', color, x, y);
     }
     DrawPoint GetTextExtent(const std::string& text) override {
+        measured.push_back(text);
         return {letter.x * static_cast<double>(text.size()), text.empty() ? 0 : letter.y};
     }
     int GetPenWidth() override { return penWidth; }

@@ -99,6 +99,21 @@ TEST(Rescale, RoundsTheSizeAndReplacesPixelsWhateverTheDestinationWas) {
     EXPECT_EQ(source.GetPixel(5, 3), 18);
 }
 
+TEST(Rescale, KeepsAMaskOfOffsetsForTheSameSizeAndLeavesNoErrorOfClippedChildren) {
+    const TraceRecorder quiet;
+    KxImage<KxBW8> source(6, 4), destination(6, 4);
+    for (const int offsets : {1, 0}) {
+        destination.SetMaskOffsets(offsets);
+        destination.SetRectangleMask(1, 1, 3, 2);
+        ImgRescale(&source, &destination, 1, 1);
+        EXPECT_EQ(destination.GetMaskRuns().GetNumElements(), offsets ? 2u : 0u);
+    }
+    KxROI<KxBW8> beyond(&destination, 5, 0, 1, 1);
+    ImgRescale(&source, &destination, 0.5f, 0.5f);
+    EXPECT_EQ(KxGetError(), KX_OK);
+    EXPECT_EQ(beyond.GetExtent(), GenericRoiExtent(0, 0, 3, 2));
+}
+
 TEST(Rescale, RefusesImpossibleSizesAndKeepsTheDestination) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     KxImage<KxC24> source(4, 4), empty, destination(2, 1);

@@ -1,0 +1,138 @@
+// Building copies of trees without recursion, and putting them in place.
+
+#include "kalvo/image/regioncopy.h"
+
+#include <algorithm>
+#include <string>
+#include <typeinfo>
+#include <utility>
+
+#include "kalvo/frame/kxexception.h"
+#include "kalvo/image/kximage.h"
+#include "kalvo/image/regiontree.h"
+#include "kalvo/pixels/pixeldispatch.h"
+#include "kalvo/vectors/vectorcore.h"
+
+namespace Zelkor::Kalvo {
+namespace {
+
+template <class Character>
+std::unique_ptr<Character[]> CopyOf(const std::unique_ptr<Character[]>& text) {
+    if (!text) return nullptr;
+    const std::size_t characters = std::char_traits<Character>::length(text.get()) + 1;
+    auto copy = std::make_unique<Character[]>(characters);
+    std::copy_n(text.get(), characters, copy.get());
+    return copy;
+}
+
+RegionTexts CopyOf(const RegionTexts& texts) {
+    return {CopyOf(texts.m_pszAuthorASCII),  CopyOf(texts.m_pszAuthorUnicode),
+            CopyOf(texts.m_pszCommentASCII), CopyOf(texts.m_pszCommentUnicode),
+            CopyOf(texts.m_pszDateASCII),    CopyOf(texts.m_pszDateUnicode),
+            CopyOf(texts.m_pszTitleASCII),   CopyOf(texts.m_pszTitleUnicode)};
+}
+
+KX_IMAGE_TYPES TypeOf(const KxGenericROI& region) { return const_cast<KxGenericROI&>(region).GetType(); }
+
+}  // namespace
+
+bool IsPlainRegion(const KxGenericROI& region) {
+    return WithPixelType(TypeOf(region),
+                         [&]<class Pixel>() { return typeid(region) == typeid(KxROI<Pixel>); });
+}
+
+void RegionCopy::Build(const RegionBase& source, RegionBase& copy, bool recursive,
+                       const KxGenericROI* excluded) {
+    CopyFields(source, copy);
+    if (recursive) CopyDescendants(source, copy, excluded);
+}
+
+void RegionCopy::Place(const RegionBase& source, RegionBase& copy) noexcept {
+    RegionTree::AttachCopies(copy);
+    if (source.m_pParent) RegionTree::Append(*source.m_pParent, copy);
+}
+
+void RegionCopy::Replace(const RegionBase& source, RegionBase& copy, RegionBase& destination) noexcept {
+    if (destination.m_pParent != source.m_pParent) RegionTree::Unlink(destination);
+    RegionTree::UnlinkChildren(destination);  // the source may be one of them, and has no parent then
+    if (!destination.m_pParent && source.m_pParent) RegionTree::Append(*source.m_pParent, destination);
+    SwapFields(copy, destination);
+    RegionTree::MoveChildren(copy, destination);
+    RegionTree::AttachCopies(destination);
+}
+
+void RegionCopy::CopyFields(const RegionBase& source, RegionBase& copy) {
+    copy.m_Texts = CopyOf(source.m_Texts);
+    VectorCore<KxRun>::Assign(copy.m_MaskRuns, source.m_MaskRuns);
+    copy.m_n32OrgX = source.m_n32OrgX;
+    copy.m_n32OrgY = source.m_n32OrgY;
+    copy.m_n32Width = source.m_n32Width;
+    copy.m_n32Height = source.m_n32Height;
+    copy.m_eColorSystem = source.m_eColorSystem;
+    copy.m_bMaskOffsets = source.m_bMaskOffsets;
+    copy.m_n32CursorX = source.m_n32CursorX;
+    copy.m_n32CursorY = source.m_n32CursorY;
+}
+
+void RegionCopy::SwapFields(RegionBase& a, RegionBase& b) noexcept {
+    std::swap(a.m_Texts, b.m_Texts);
+    VectorCore<KxRun>::Swap(a.m_MaskRuns, b.m_MaskRuns);
+    std::swap(a.m_n32OrgX, b.m_n32OrgX);
+    std::swap(a.m_n32OrgY, b.m_n32OrgY);
+    std::swap(a.m_n32Width, b.m_n32Width);
+    std::swap(a.m_n32Height, b.m_n32Height);
+    std::swap(a.m_eColorSystem, b.m_eColorSystem);
+    std::swap(a.m_bMaskOffsets, b.m_bMaskOffsets);
+    std::swap(a.m_n32CursorX, b.m_n32CursorX);
+    std::swap(a.m_n32CursorY, b.m_n32CursorY);
+}
+
+// Parents before children, so that whatever has been made when memory runs out goes with `copy`.
+void RegionCopy::CopyDescendants(const RegionBase& source, RegionBase& copy, const KxGenericROI* excluded) {
+    KxGenericROI* parent = &copy;
+    for (const KxGenericROI* node = source.GetFirstSubROI(); node;) {
+        std::unique_ptr<RegionBase> clone;
+        if (node != excluded)
+            clone = WithPixelType(TypeOf(*node), [&]<class Pixel>() { return CloneOf<Pixel>(*node); });
+        if (clone) {
+            clone->SetAllocated();
+            RegionTree::Append(*parent, *clone);
+            KxGenericROI* const made = clone.release();
+            if (node->GetFirstSubROI()) {
+                parent = made;
+                node = node->GetFirstSubROI();
+                continue;
+            }
+        }
+        while (!node->GetNextSiblingROI()) {
+            node = node->GetParent();
+            if (node == &source) return;
+            parent = parent->GetParent();
+        }
+        node = node->GetNextSiblingROI();
+    }
+}
+
+// A detached copy of one node. Objects of a class of the user's own are copied by that class.
+template <class Pixel>
+std::unique_ptr<RegionBase> RegionCopy::CloneOf(const KxGenericROI& node) {
+    const auto* region = dynamic_cast<const KxROI<Pixel>*>(&node);
+    if (!region) return nullptr;
+    if (typeid(node) == typeid(KxROI<Pixel>)) {
+        auto clone = std::make_unique<KxROI<Pixel>>();
+        CopyFields(*region, *clone);
+        return clone;
+    }
+    if (typeid(node) == typeid(KxImage<Pixel>)) {
+        auto clone = std::make_unique<KxImage<Pixel>>();
+        CopyFields(*region, *clone);
+        clone->CopyPixels(static_cast<const KxImage<Pixel>&>(*region), *clone);
+        return clone;
+    }
+    std::unique_ptr<RegionBase> clone(region->CreateROIClone(0));
+    if (!clone) throw Exception(KX_ERROR_ALLOCATION);
+    RegionTree::Unlink(*clone);
+    return clone;
+}
+
+}  // namespace Zelkor::Kalvo

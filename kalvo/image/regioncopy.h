@@ -1,0 +1,35 @@
+#pragma once
+// Copies of regions with everything below them. They are built apart from every tree, and put in place in a
+// step that cannot fail.
+
+#include <memory>
+
+#include "kalvo/image/kxregionbase.h"
+
+namespace Zelkor::Kalvo {
+
+/// Works on what regions of all pixel types share; pixels are copied by the class of the image.
+class RegionCopy {
+public:
+    /// Copies the fields of `source` to `copy`, a fresh object, and with `recursive` its descendants, except
+    /// `excluded` and those below it. Until `Place` the copies belong to `copy`. Throws KX_ERROR_ALLOCATION.
+    static void Build(const RegionBase& source, RegionBase& copy, bool recursive,
+                      const KxGenericROI* excluded = nullptr);
+    /// Puts a built copy below the parent of `source`.
+    static void Place(const RegionBase& source, RegionBase& copy) noexcept;
+    /// Lets `destination` take what a built copy has, below the parent of `source`. Children of its own are
+    /// detached.
+    static void Replace(const RegionBase& source, RegionBase& copy, RegionBase& destination) noexcept;
+
+private:
+    static void CopyFields(const RegionBase& source, RegionBase& copy);
+    static void SwapFields(RegionBase& a, RegionBase& b) noexcept;
+    static void CopyDescendants(const RegionBase& source, RegionBase& copy, const KxGenericROI* excluded);
+    template <class Pixel>
+    static std::unique_ptr<RegionBase> CloneOf(const KxGenericROI& node);
+};
+
+/// Whether `region` is of a class of the library's own that has no pixels.
+bool IsPlainRegion(const KxGenericROI& region);
+
+}  // namespace Zelkor::Kalvo
