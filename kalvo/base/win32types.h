@@ -35,6 +35,14 @@ using HRGN = struct HRGN__*;
 /// A window. There are none; programs may name them.
 using HWND = struct HWND__*;
 
+// Headers of others may have macros of these names.
+#ifndef FALSE
+inline constexpr BOOL FALSE = 0;
+#endif
+#ifndef TRUE
+inline constexpr BOOL TRUE = 1;
+#endif
+
 /// A colour: red in the low byte, then green, then blue; the high byte is 0.
 using COLORREF = DWORD;
 
@@ -65,6 +73,11 @@ struct RECT {
     LONG right;
     LONG bottom;
 };
+
+using LPPOINT = POINT*;
+using LPSIZE = SIZE*;
+using LPRECT = RECT*;
+using LPCRECT = const RECT*;
 
 /// Describes the pixels of a device-independent bitmap; 40 bytes. A negative height means top-down rows.
 struct BITMAPINFOHEADER {

@@ -1,5 +1,6 @@
 // Device contexts: making and deleting them, what is selected into them, their colours and modes.
 
+#include <algorithm>
 #include <initializer_list>
 #include <new>
 #include <utility>
@@ -30,7 +31,9 @@ void SelectStock(Object*& selected, int number) {
 
 HGDIOBJ ReplaceBitmap(Context& context, Bitmap* next) {
     if (next == context.bitmap) return next->handle;
-    const bool anothers = next->contexts > 0 || (next->isStock && next != context.ownBitmap);
+    // What the context itself has kept for later it may have again.
+    const auto kept = std::ranges::count(context.saved, next, &ContextState::bitmap);
+    const bool anothers = next->contexts > kept || (next->isStock && next != context.ownBitmap);
     return context.isPaletteDevice || anothers ? nullptr : Replace(context.bitmap, next);
 }
 
@@ -43,6 +46,17 @@ std::unique_ptr<Bitmap> MakeOwnBitmap(int width, int height, PixelLayout layout)
 
 HDC Publish(std::unique_ptr<Context> context) { return static_cast<HDC>(Register(std::move(context))); }
 
+template <class Operation>
+void ForObjects(const ContextState& state, Operation&& operation) {
+    for (GdiObject* object :
+         std::initializer_list<GdiObject*>{state.pen, state.brush, state.font, state.palette, state.bitmap})
+        operation(*object);
+}
+
+void LetGo(const ContextState& state) {
+    ForObjects(state, [](GdiObject& object) { --object.contexts; });
+}
+
 // What every Set and every Get does with a field of a context.
 template <class Value>
 Value Exchange(HDC hDC, Value ContextState::*field, Value next, Value failure) {
@@ -54,6 +68,28 @@ template <class Value>
 Value Field(HDC hDC, Value ContextState::*field, Value failure) {
     const Context* context = Find<Context>(hDC);
     return context ? context->*field : failure;
+}
+
+BOOL MoveOrigin(HDC hDC, POINT ContextState::*origin, POINT next, POINT* previous) {
+    Context* context = Find<Context>(hDC);
+    if (!context) return 0;
+    const POINT replaced = std::exchange(context->*origin, next);
+    if (previous) *previous = replaced;
+    return 1;
+}
+
+BOOL OffsetOrigin(HDC hDC, POINT ContextState::*origin, int right, int down, POINT* previous) {
+    const POINT now = Field(hDC, origin, POINT{});
+    POINT next;
+    if (__builtin_add_overflow(now.x, right, &next.x) || __builtin_add_overflow(now.y, down, &next.y))
+        return 0;
+    return MoveOrigin(hDC, origin, next, previous);
+}
+
+BOOL TellOrigin(HDC hDC, POINT ContextState::*origin, POINT* told) {
+    if (!told || !Find<Context>(hDC)) return 0;
+    *told = Field(hDC, origin, POINT{});
+    return 1;
 }
 
 }  // namespace
@@ -69,8 +105,8 @@ Context::Context(std::unique_ptr<Bitmap> first) : GdiObject(kKind) {
 }
 
 Context::~Context() {
-    for (GdiObject* object : std::initializer_list<GdiObject*>{pen, brush, font, palette, bitmap})
-        --object->contexts;
+    LetGo(*this);
+    std::ranges::for_each(saved, LetGo);
     Unregister(*ownBitmap);
 }
 
@@ -197,17 +233,78 @@ int SetStretchBltMode(HDC hDC, int n32Mode) {
 
 int GetStretchBltMode(HDC hDC) { return Field(hDC, &Context::stretchMode, 0); }
 
-BOOL SetViewportOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
-    Context* context = Find<Context>(hDC);
-    if (!context) return 0;
-    const POINT previous = std::exchange(context->viewportOrigin, POINT{n32X, n32Y});
-    if (pPrevious) *pPrevious = previous;
-    return 1;
+int SetROP2(HDC hDC, int n32Mode) {
+    if (n32Mode < R2_BLACK || n32Mode > R2_WHITE) return 0;
+    return Exchange(hDC, &Context::drawingMode, n32Mode, 0);
 }
 
-BOOL GetViewportOrgEx(HDC hDC, POINT* pOrigin) {
-    const Context* context = Find<Context>(hDC);
-    if (!context || !pOrigin) return 0;
-    *pOrigin = context->viewportOrigin;
+int GetROP2(HDC hDC) { return Field(hDC, &Context::drawingMode, 0); }
+
+int SetPolyFillMode(HDC hDC, int n32Mode) {
+    if (n32Mode != ALTERNATE && n32Mode != WINDING) return 0;
+    return Exchange(hDC, &Context::polygonFillMode, n32Mode, 0);
+}
+
+int GetPolyFillMode(HDC hDC) { return Field(hDC, &Context::polygonFillMode, 0); }
+
+COLORREF SetDCPenColor(HDC hDC, COLORREF color) {
+    return Exchange(hDC, &Context::penColor, color & 0xFFFFFF, CLR_INVALID);
+}
+
+COLORREF GetDCPenColor(HDC hDC) { return Field(hDC, &Context::penColor, CLR_INVALID); }
+
+COLORREF SetDCBrushColor(HDC hDC, COLORREF color) {
+    return Exchange(hDC, &Context::brushColor, color & 0xFFFFFF, CLR_INVALID);
+}
+
+COLORREF GetDCBrushColor(HDC hDC) { return Field(hDC, &Context::brushColor, CLR_INVALID); }
+
+BOOL SetViewportOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
+    return MoveOrigin(hDC, &Context::viewportOrigin, {n32X, n32Y}, pPrevious);
+}
+
+BOOL GetViewportOrgEx(HDC hDC, POINT* pOrigin) { return TellOrigin(hDC, &Context::viewportOrigin, pOrigin); }
+
+BOOL OffsetViewportOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
+    return OffsetOrigin(hDC, &Context::viewportOrigin, n32X, n32Y, pPrevious);
+}
+
+BOOL SetWindowOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
+    return MoveOrigin(hDC, &Context::windowOrigin, {n32X, n32Y}, pPrevious);
+}
+
+BOOL GetWindowOrgEx(HDC hDC, POINT* pOrigin) { return TellOrigin(hDC, &Context::windowOrigin, pOrigin); }
+
+BOOL OffsetWindowOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
+    return OffsetOrigin(hDC, &Context::windowOrigin, n32X, n32Y, pPrevious);
+}
+
+BOOL SetBrushOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
+    return MoveOrigin(hDC, &Context::brushOrigin, {n32X, n32Y}, pPrevious);
+}
+
+BOOL GetBrushOrgEx(HDC hDC, POINT* pOrigin) { return TellOrigin(hDC, &Context::brushOrigin, pOrigin); }
+
+int SaveDC(HDC hDC) {
+    return FailWithoutMemory([&] {
+        Context* context = Find<Context>(hDC);
+        if (!context) return 0;
+        context->saved.push_back(*context);
+        ForObjects(context->saved.back(), [](GdiObject& object) { ++object.contexts; });
+        return static_cast<int>(context->saved.size());
+    });
+}
+
+BOOL RestoreDC(HDC hDC, int n32Saved) {
+    Context* context = Find<Context>(hDC);
+    if (!context) return 0;
+    const auto count = static_cast<std::int64_t>(context->saved.size());
+    const std::int64_t level = n32Saved < 0 ? count + n32Saved : n32Saved - std::int64_t{1};
+    if (level < 0 || level >= count) return 0;
+    const auto restored = context->saved.begin() + level;
+    LetGo(*context);
+    std::for_each(restored + 1, context->saved.end(), LetGo);
+    static_cast<ContextState&>(*context) = std::move(*restored);
+    context->saved.erase(restored, context->saved.end());
     return 1;
 }

@@ -1,37 +1,27 @@
-// The drawing functions: they find the context, move coordinates to the origin of the viewport, choose the
-// pixels of pen and brush, and leave the rest to the shapes.
+// The drawing functions: they find the context, move coordinates to its origin, and leave the rest to the
+// shapes.
 
+#include <algorithm>
+#include <cstdlib>
+#include <numeric>
 #include <utility>
+#include <vector>
 
 #include "kalvo/gdi/gdi.h"
-#include "kalvo/gdi/objects.h"
-#include "kalvo/raster/shapes.h"
+#include "kalvo/gdi/inks.h"
 
 namespace Zelkor::Platform {
 namespace {
 
-// The box between two opposite corners.
-Box PlacedBox(const Context& context, int left, int top, int right, int bottom) {
-    const Box box = context.Placed(RECT{left, top, right, bottom});
-    return {std::min(box.left, box.right), std::min(box.top, box.bottom), std::max(box.left, box.right),
-            std::max(box.top, box.bottom)};
+// Where the outline of a shape runs that is given by two opposite corners. The width of some pens is taken
+// from inside; of a box that is too small for it, the pen takes as much as there is.
+Box FrameOf(const Context& context, const RECT& rect, std::optional<Stroke>& pen) {
+    Box box = context.PlacedCorners(rect);
+    if (!pen || context.pen->logical.lopnStyle != PS_INSIDEFRAME) return box;
+    pen->width = std::max<std::int64_t>(std::min({pen->width, box.Width(), box.Height()}), 1);
+    const std::int64_t before = pen->width / 2, after = (pen->width - 1) / 2;
+    return {box.left + before, box.top + before, box.right - after, box.bottom - after};
 }
-
-RawPixel PixelOf(const Context& context, COLORREF color) {
-    return RawFromBgr(context.Target(), BgrFromColor(color));
-}
-
-std::optional<Stroke> PenOf(const Context& context) {
-    if (!context.pen->Draws()) return std::nullopt;
-    return Stroke{PixelOf(context, context.pen->logical.lopnColor), context.pen->Width()};
-}
-
-std::optional<RawPixel> BrushOf(const Context& context) {
-    if (!context.brush->Draws()) return std::nullopt;
-    return PixelOf(context, context.brush->logical.lbColor);
-}
-
-Inks InksOf(const Context& context) { return {PenOf(context), BrushOf(context)}; }
 
 // Calls operation(surface, x, y) with a pixel of the context's bitmap, and returns the colour it results in.
 template <class Operation>
@@ -53,6 +43,46 @@ BOOL Draw(HDC hDC, Operation&& operation) {
         if (context) operation(*context);
         return BOOL{context != nullptr};
     });
+}
+
+// Calls draw(surface, box, inks) with a shape in a rectangle.
+template <class Shape>
+BOOL DrawFramed(HDC hDC, const RECT& rect, Shape&& draw) {
+    return Draw(hDC, [&](const Context& context) {
+        Inks inks = InksOf(context);
+        const Box box = FrameOf(context, rect, inks.pen);
+        draw(context.Target(), box, inks);
+    });
+}
+
+// Calls draw(surface, box, start, end, inks) with a shape between two rays.
+template <class Shape>
+BOOL DrawWithRays(HDC hDC, const RECT& rect, POINT start, POINT end, Shape&& draw) {
+    return Draw(hDC, [&](const Context& context) {
+        Inks inks = InksOf(context);
+        const Box box = FrameOf(context, rect, inks.pen);
+        draw(context.Target(), box, context.Placed(start), context.Placed(end), inks);
+    });
+}
+
+// Calls draw(surface, box, fill) for a brush that need not be selected, unless the box is empty.
+template <class Operation>
+int DrawBoxes(HDC hDC, const RECT* rect, HBRUSH hBrush, Operation&& draw) {
+    const Brush* brush = Find<Brush>(hBrush);
+    if (!rect || !brush) return 0;
+    return Draw(hDC, [&](const Context& context) {
+        const Box box = context.Placed(*rect);
+        const auto fill = CoveringFill(context, *brush);
+        if (fill && !box.IsEmpty()) draw(context.Target(), box, *fill);
+    });
+}
+
+void DrawLines(const Context& context, std::span<const POINT> points) {
+    if (const auto pen = PenOf(context)) DrawPolyline(context.Target(), points, context.Origin(), *pen);
+}
+
+std::span<const POINT> PointsOf(const POINT* points, int count) {
+    return {points, static_cast<std::size_t>(count)};
 }
 
 }  // namespace
@@ -85,34 +115,96 @@ BOOL LineTo(HDC hDC, int n32X, int n32Y) {
     });
 }
 
-BOOL Rectangle(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom) {
-    return Draw(hDC, [&](const Context& context) {
-        DrawRectangle(context.Target(), PlacedBox(context, n32Left, n32Top, n32Right, n32Bottom),
-                      InksOf(context));
+BOOL GetCurrentPositionEx(HDC hDC, POINT* pPosition) {
+    const Context* context = Find<Context>(hDC);
+    if (!context || !pPosition) return 0;
+    *pPosition = context->position;
+    return 1;
+}
+
+BOOL Polyline(HDC hDC, const POINT* pPoints, int n32Count) {
+    if (!pPoints || n32Count < 2) return 0;
+    return Draw(hDC, [&](const Context& context) { DrawLines(context, PointsOf(pPoints, n32Count)); });
+}
+
+BOOL PolylineTo(HDC hDC, const POINT* pPoints, DWORD un32Count) {
+    if (!pPoints || un32Count < 1) return 0;
+    return Draw(hDC, [&](Context& context) {
+        std::vector<POINT> points{context.position};
+        points.insert(points.end(), pPoints, pPoints + un32Count);
+        DrawLines(context, points);
+        context.position = points.back();
     });
+}
+
+BOOL Rectangle(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom) {
+    return DrawFramed(hDC, {n32Left, n32Top, n32Right, n32Bottom}, DrawRectangle);
+}
+
+BOOL RoundRect(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom, int n32Width, int n32Height) {
+    return DrawFramed(hDC, {n32Left, n32Top, n32Right, n32Bottom},
+                      [&](const Surface& surface, const Box& box, const Inks& inks) {
+                          DrawRoundRectangle(surface, box, std::abs(std::int64_t{n32Width}),
+                                             std::abs(std::int64_t{n32Height}), inks);
+                      });
 }
 
 BOOL Ellipse(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom) {
-    return Draw(hDC, [&](const Context& context) {
-        DrawEllipse(context.Target(), PlacedBox(context, n32Left, n32Top, n32Right, n32Bottom),
-                    InksOf(context));
-    });
+    return DrawFramed(hDC, {n32Left, n32Top, n32Right, n32Bottom}, DrawEllipse);
 }
 
-BOOL Polygon(HDC hDC, const POINT* pPoints, int n32Count) {
-    if (!pPoints || n32Count < 2) return 0;
+BOOL Polygon(HDC hDC, const POINT* pPoints, int n32Count) { return PolyPolygon(hDC, pPoints, &n32Count, 1); }
+
+BOOL PolyPolygon(HDC hDC, const POINT* pPoints, const int* pCounts, int n32Polygons) {
+    if (!pPoints || !pCounts || n32Polygons < 1) return 0;
+    const std::span counts(pCounts, static_cast<std::size_t>(n32Polygons));
+    if (std::ranges::any_of(counts, [](int count) { return count < 2; })) return 0;
+    const auto total = std::accumulate(counts.begin(), counts.end(), std::size_t{0});
     return Draw(hDC, [&](const Context& context) {
-        DrawPolygon(context.Target(), {pPoints, static_cast<std::size_t>(n32Count)}, context.Origin(),
-                    InksOf(context));
+        const FillRule rule = context.polygonFillMode == WINDING ? FillRule::Winding : FillRule::Alternate;
+        DrawPolygons(context.Target(), {pPoints, total}, counts, context.Origin(), InksOf(context), rule);
     });
 }
 
 BOOL Arc(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom, int n32StartX, int n32StartY,
          int n32EndX, int n32EndY) {
+    return DrawWithRays(
+        hDC, {n32Left, n32Top, n32Right, n32Bottom}, {n32StartX, n32StartY}, {n32EndX, n32EndY},
+        [](const Surface& surface, const Box& box, Position start, Position end, const Inks& inks) {
+            if (inks.pen) DrawArc(surface, box, start, end, *inks.pen);
+        });
+}
+
+BOOL Pie(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom, int n32StartX, int n32StartY,
+         int n32EndX, int n32EndY) {
+    return DrawWithRays(hDC, {n32Left, n32Top, n32Right, n32Bottom}, {n32StartX, n32StartY},
+                        {n32EndX, n32EndY}, DrawPie);
+}
+
+BOOL Chord(HDC hDC, int n32Left, int n32Top, int n32Right, int n32Bottom, int n32StartX, int n32StartY,
+           int n32EndX, int n32EndY) {
+    return DrawWithRays(hDC, {n32Left, n32Top, n32Right, n32Bottom}, {n32StartX, n32StartY},
+                        {n32EndX, n32EndY}, DrawChord);
+}
+
+int FillRect(HDC hDC, const RECT* pRect, HBRUSH hBrush) {
+    return DrawBoxes(hDC, pRect, hBrush, [](const Surface& surface, const Box& box, const Fill& fill) {
+        PaintBox(surface, box, fill);
+    });
+}
+
+int FrameRect(HDC hDC, const RECT* pRect, HBRUSH hBrush) {
+    return DrawBoxes(hDC, pRect, hBrush, [](const Surface& surface, const Box& box, const Fill& fill) {
+        PaintBox(surface, {box.left, box.top, box.right, box.top + 1}, fill);
+        PaintBox(surface, {box.left, box.bottom - 1, box.right, box.bottom}, fill);
+        PaintBox(surface, {box.left, box.top, box.left + 1, box.bottom}, fill);
+        PaintBox(surface, {box.right - 1, box.top, box.right, box.bottom}, fill);
+    });
+}
+
+BOOL InvertRect(HDC hDC, const RECT* pRect) {
+    if (!pRect) return 0;
     return Draw(hDC, [&](const Context& context) {
-        if (const auto pen = PenOf(context))
-            DrawArc(context.Target(), PlacedBox(context, n32Left, n32Top, n32Right, n32Bottom),
-                    context.Placed(POINT{n32StartX, n32StartY}), context.Placed(POINT{n32EndX, n32EndY}),
-                    *pen);
+        PaintBox(context.Target(), context.Placed(*pRect), InvertingInk(context));
     });
 }

@@ -10,6 +10,7 @@
 #include "kalvo/gdi/gdi_contexts.h"
 #include "kalvo/gdi/gdi_objects.h"
 #include "kalvo/gdi/gdi_palettes.h"
+#include "kalvo/gdi/gdi_rects.h"
 #include "kalvo/gdi/gdi_regions.h"
 #include "kalvo/gdi/gdi_shapes.h"
 #include "kalvo/gdi/gdi_text.h"

@@ -30,6 +30,11 @@ KX_API int GetDeviceCaps(HDC hDC, int n32Index);
 // Colours and modes. Each Set returns what it replaces.
 
 inline constexpr int TRANSPARENT = 1, OPAQUE = 2;
+inline constexpr int ALTERNATE = 1, WINDING = 2;
+inline constexpr int R2_BLACK = 1, R2_NOTMERGEPEN = 2, R2_MASKNOTPEN = 3, R2_NOTCOPYPEN = 4,
+                     R2_MASKPENNOT = 5, R2_NOT = 6, R2_XORPEN = 7, R2_NOTMASKPEN = 8, R2_MASKPEN = 9,
+                     R2_NOTXORPEN = 10, R2_NOP = 11, R2_MERGENOTPEN = 12, R2_COPYPEN = 13,
+                     R2_MERGEPENNOT = 14, R2_MERGEPEN = 15, R2_WHITE = 16;
 
 KX_API COLORREF SetTextColor(HDC hDC, COLORREF color);
 KX_API COLORREF GetTextColor(HDC hDC);
@@ -38,6 +43,38 @@ KX_API COLORREF GetBkColor(HDC hDC);
 /// `TRANSPARENT` or `OPAQUE`; anything else fails with 0.
 KX_API int SetBkMode(HDC hDC, int n32Mode);
 KX_API int GetBkMode(HDC hDC);
-/// Moves the origin of all coordinates to device pixel (x, y). `pPrevious` may be null.
+/// How pens and brushes draw: `R2_COPYPEN` covers, the others combine the bits of a pixel with those of the
+/// colour; in bitmaps with a colour table these are the bits of the indexes. A shape reaches each pixel once,
+/// so that drawing it again with `R2_XORPEN` or `R2_NOT` restores the picture. Texts, `SetPixel`, `FillRect`
+/// and `FrameRect` cover always. Anything else than the sixteen numbers fails with 0.
+KX_API int SetROP2(HDC hDC, int n32Mode);
+KX_API int GetROP2(HDC hDC);
+/// Polygons have the pixels with an odd number of edges to their left (`ALTERNATE`), or those that their
+/// edges go round (`WINDING`). Anything else fails with 0.
+KX_API int SetPolyFillMode(HDC hDC, int n32Mode);
+KX_API int GetPolyFillMode(HDC hDC);
+/// The colours of the stock objects `DC_PEN` and `DC_BRUSH` in this context, black and white at first.
+KX_API COLORREF SetDCPenColor(HDC hDC, COLORREF color);
+KX_API COLORREF GetDCPenColor(HDC hDC);
+KX_API COLORREF SetDCBrushColor(HDC hDC, COLORREF color);
+KX_API COLORREF GetDCBrushColor(HDC hDC);
+
+// Origins: a point (x, y) is the pixel (x, y) - origin of the window + origin of the viewport. Where
+// `pPrevious` stands it may be null. Offsets fail when the origin would leave 32 bits.
+
 KX_API BOOL SetViewportOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious);
 KX_API BOOL GetViewportOrgEx(HDC hDC, POINT* pOrigin);
+KX_API BOOL OffsetViewportOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious);
+KX_API BOOL SetWindowOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious);
+KX_API BOOL GetWindowOrgEx(HDC hDC, POINT* pOrigin);
+KX_API BOOL OffsetWindowOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious);
+/// The pixel from which hatches are counted.
+KX_API BOOL SetBrushOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious);
+KX_API BOOL GetBrushOrgEx(HDC hDC, POINT* pOrigin);
+
+/// Keeps all that the context draws with: objects, colours, modes, origins, position, and what it draws in.
+/// Returns a number for `RestoreDC`, from 1 on; 0 on failure.
+KX_API int SaveDC(HDC hDC);
+/// Brings back what a call of `SaveDC` kept, and forgets it and what later calls kept. A negative number
+/// counts from the last call, -1. 0 when there is none.
+KX_API BOOL RestoreDC(HDC hDC, int n32Saved);

@@ -88,7 +88,14 @@ public:
         AddPen(WHITE_PEN, PS_SOLID, 255);
         AddPen(BLACK_PEN, PS_SOLID, 0);
         AddPen(NULL_PEN, PS_NULL, 0);
-        Add(SYSTEM_FONT, new Font(MakeLogFont(16, 700, "System")));
+        Add(DC_BRUSH, new Brush({BS_SOLID, RGB(255, 255, 255), 0}));
+        Add(DC_PEN, new Pen({PS_SOLID, {1, 0}, RGB(0, 0, 0)}));
+        AddFont(SYSTEM_FONT, 16, 700, "System");
+        AddFont(DEVICE_DEFAULT_FONT, 16, 700, "System");
+        AddFont(DEFAULT_GUI_FONT, -11, 400, "sans-serif");
+        AddFont(ANSI_VAR_FONT, 12, 400, "sans-serif");
+        for (const int fixed : {OEM_FIXED_FONT, ANSI_FIXED_FONT, SYSTEM_FIXED_FONT})
+            AddFont(fixed, fixed == SYSTEM_FIXED_FONT ? 15 : 12, 400, "monospace");
         const std::span<const PALETTEENTRY> fixed = FixedColors();
         Add(DEFAULT_PALETTE, new Palette({fixed.begin(), fixed.end()}));
     }
@@ -110,7 +117,11 @@ private:
         Add(number, new Pen({style, {1, 0}, RGB(level, level, level)}));
     }
 
-    std::array<GdiObject*, DEFAULT_PALETTE + 1> m_objects{};
+    void AddFont(int number, int height, int weight, std::string_view face) {
+        Add(number, new Font(MakeLogFont(height, weight, face)));
+    }
+
+    std::array<GdiObject*, DC_PEN + 1> m_objects{};
 };
 
 // Copies a description out, or tells its size when there is no buffer.
@@ -191,11 +202,60 @@ int GetObjectA(HGDIOBJ hObject, int n32Size, void* pBuffer) {
     return 0;
 }
 
+DWORD GetObjectType(HGDIOBJ hObject) {
+    const GdiObject* object = FindObject(hObject);
+    if (!object) return 0;
+    switch (object->kind) {
+    case ObjectKind::Context:
+        return OBJ_DC;
+    case ObjectKind::Pen:
+        return OBJ_PEN;
+    case ObjectKind::Brush:
+        return OBJ_BRUSH;
+    case ObjectKind::Font:
+        return OBJ_FONT;
+    case ObjectKind::Bitmap:
+        return OBJ_BITMAP;
+    case ObjectKind::Palette:
+        return OBJ_PAL;
+    case ObjectKind::Region:
+        break;
+    }
+    return OBJ_REGION;
+}
+
 HPEN CreatePen(int n32Style, int n32Width, COLORREF color) {
-    const UINT style = n32Style == PS_NULL ? PS_NULL : PS_SOLID;
+    const bool isKnown = n32Style >= PS_SOLID && n32Style <= PS_INSIDEFRAME;
+    const auto style = static_cast<UINT>(isKnown ? n32Style : PS_SOLID);
     return Make<HPEN, Pen>(LOGPEN{style, {std::max(n32Width, 0), 0}, color & 0xFFFFFF});
+}
+
+HPEN CreatePenIndirect(const LOGPEN* pPen) {
+    if (!pPen) return nullptr;
+    return CreatePen(static_cast<int>(pPen->lopnStyle), pPen->lopnWidth.x, pPen->lopnColor);
 }
 
 HBRUSH CreateSolidBrush(COLORREF color) {
     return Make<HBRUSH, Brush>(LOGBRUSH{BS_SOLID, color & 0xFFFFFF, 0});
+}
+
+HBRUSH CreateHatchBrush(int n32Hatch, COLORREF color) {
+    if (n32Hatch < HS_HORIZONTAL || n32Hatch > HS_DIAGCROSS) return nullptr;
+    return Make<HBRUSH, Brush>(LOGBRUSH{BS_HATCHED, color & 0xFFFFFF, static_cast<std::uintptr_t>(n32Hatch)});
+}
+
+HBRUSH CreateBrushIndirect(const LOGBRUSH* pBrush) {
+    if (!pBrush) return nullptr;
+    switch (pBrush->lbStyle) {
+    case BS_SOLID:
+        return CreateSolidBrush(pBrush->lbColor);
+    case BS_NULL:
+        return Make<HBRUSH, Brush>(LOGBRUSH{BS_NULL, 0, 0});
+    case BS_HATCHED:
+        return pBrush->lbHatch > HS_DIAGCROSS
+                   ? nullptr
+                   : CreateHatchBrush(static_cast<int>(pBrush->lbHatch), pBrush->lbColor);
+    default:
+        return nullptr;
+    }
 }

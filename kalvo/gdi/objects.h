@@ -2,6 +2,7 @@
 // table of handles.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <concepts>
@@ -99,6 +100,11 @@ struct ContextState {
     int backgroundMode = OPAQUE;
     UINT textAlign = TA_LEFT | TA_TOP;
     int stretchMode = BLACKONWHITE;
+    int drawingMode = R2_COPYPEN;
+    int polygonFillMode = ALTERNATE;
+    COLORREF penColor = RGB(0, 0, 0);  // of the stock objects that have the context's own colours
+    COLORREF brushColor = RGB(255, 255, 255);
+    POINT brushOrigin{0, 0};
     bool isPaletteInBackground = false;
 };
 
@@ -110,6 +116,7 @@ struct Context final : GdiObject, ContextState {
 
     Bitmap* ownBitmap = nullptr;  // the 1 x 1 one of memory contexts, or the pixels of a palette device
     bool isPaletteDevice = false;
+    std::vector<ContextState> saved;  // objects selected in them count as selected
 
     // The pixels to draw on; what is drawn there is clipped.
     Surface Target() const {
@@ -127,10 +134,15 @@ struct Context final : GdiObject, ContextState {
         const Position origin = Origin();
         return {origin.x + point.x, origin.y + point.y};
     }
-    // As its corners are given: it may be empty.
+    // As its corners are given: it may be empty. Or between any two opposite corners.
     Box Placed(const RECT& rect) const {
         const Position a = Placed(POINT{rect.left, rect.top}), b = Placed(POINT{rect.right, rect.bottom});
         return {a.x, a.y, b.x, b.y};
+    }
+    Box PlacedCorners(const RECT& rect) const {
+        const auto [left, right] = std::minmax(rect.left, rect.right);
+        const auto [top, bottom] = std::minmax(rect.top, rect.bottom);
+        return Placed(RECT{left, top, right, bottom});
     }
 };
 

@@ -19,11 +19,6 @@ Box BoxBetween(const RECT& rect) {
     return {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom), std::max(rect.left, rect.right),
             std::max(rect.top, rect.bottom)};
 }
-Box BoxBetween(const Context& context, const RECT& rect) {
-    const Position origin = context.Origin();
-    const Box box = BoxBetween(rect);
-    return {origin.x + box.left, origin.y + box.top, origin.x + box.right, origin.y + box.bottom};
-}
 
 LONG ToLong(std::int64_t value) {
     using Limits = std::numeric_limits<LONG>;
@@ -85,7 +80,7 @@ HRGN MakeRegion(const RECT& rect) {
 int ClipRectangle(HDC hDC, const RECT& rect, SetOperation operation) {
     return FailWithoutMemory([&] {
         Context* context = Find<Context>(hDC);
-        return context ? Clip(*context, Region(BoxBetween(*context, rect)), operation) : ERROR;
+        return context ? Clip(*context, Region(context->PlacedCorners(rect)), operation) : ERROR;
     });
 }
 
@@ -217,6 +212,6 @@ BOOL PtVisible(HDC hDC, int n32X, int n32Y) {
 BOOL RectVisible(HDC hDC, const RECT* pRect) {
     return FailWithoutMemory([&] {
         const Context* context = Find<Context>(hDC);
-        return BOOL{context && pRect && VisibleOf(*context).Overlaps(BoxBetween(*context, *pRect))};
+        return BOOL{context && pRect && VisibleOf(*context).Overlaps(context->PlacedCorners(*pRect))};
     });
 }

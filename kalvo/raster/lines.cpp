@@ -80,40 +80,55 @@ void WalkSteps(const Steps& line, Span steps, std::ptrdiff_t rowUnit, Visit&& vi
     }
 }
 
+Span VisibleSteps(const Surface& surface, const Steps& line, Position from, Position to) {
+    const Box visible = VisibleBox(surface);
+    const bool isInside = visible.Contains(from) && visible.Contains(to);
+    return isInside ? Span{0, line.length} : line.Inside(visible);
+}
+
 }  // namespace
 
-void PaintPoint(const Surface& surface, Position point, RawPixel pixel) {
+void PaintPoint(const Surface& surface, Position point, Ink ink) {
     if (IsVisible(surface, point))
-        StorePixel(surface, static_cast<int>(point.x), static_cast<int>(point.y), pixel);
+        ApplyInk(surface, static_cast<int>(point.x), static_cast<int>(point.y), ink);
 }
 
-void PaintSpan(const Surface& surface, int y, Span columns, RawPixel pixel) {
-    ForVisibleSpans(surface, y, columns, [&](int x0, int x1) { FillSpan(surface, y, x0, x1, pixel); });
+void PaintSpan(const Surface& surface, int y, Span columns, const Fill& fill) {
+    ForVisibleSpans(surface, y, columns, [&](int x0, int x1) { ApplyFill(surface, y, x0, x1, fill); });
 }
 
-void PaintBox(const Surface& surface, const Box& box, RawPixel pixel) {
-    ForVisibleRows(surface, {box.top, box.bottom}, [&](int y) {
-        PaintSpan(surface, y, {box.left, box.right}, pixel);
+void PaintBox(const Surface& surface, const Box& box, const Fill& fill) {
+    ForVisibleRows(surface, box.Rows(), [&](int y) { PaintSpan(surface, y, box.Columns(), fill); });
+}
+
+std::int64_t CountSteps(Position from, Position to) {
+    return std::max(std::abs(to.x - from.x), std::abs(to.y - from.y));
+}
+
+void PaintLine(const Surface& surface, Position from, Position to, Ink ink) {
+    if (from.y == to.y) {
+        const Span columns = from.x <= to.x ? Span{from.x, to.x} : Span{to.x + 1, from.x + 1};
+        return PaintBox(surface, {columns.begin, from.y, columns.end, from.y + 1}, ink);
+    }
+    const Steps line(from, to);
+    const Span steps = VisibleSteps(surface, line, from, to);
+    if (steps.IsEmpty()) return;
+    if (!ink.Covers() || !IsClippedByBox(surface))
+        return WalkSteps(line, steps, 1, [&](int x, std::ptrdiff_t y) { PaintPoint(surface, {x, y}, ink); });
+    WithPixels(surface.layout, [&](auto access) {
+        WalkSteps(line, steps, surface.pitchBytes,
+                  [&](int x, std::ptrdiff_t row) { access.Store(surface.topRow + row, x, ink.flip); });
     });
 }
 
-void PaintLine(const Surface& surface, Position from, Position to, RawPixel pixel) {
-    if (from.y == to.y) {
-        const Span columns = from.x <= to.x ? Span{from.x, to.x} : Span{to.x + 1, from.x + 1};
-        return PaintBox(surface, {columns.begin, from.y, columns.end, from.y + 1}, pixel);
-    }
+void PaintDashes(const Surface& surface, Position from, Position to, const Stroke& pen,
+                 std::int64_t stepsBefore) {
     const Steps line(from, to);
-    const Box visible = VisibleBox(surface);
-    const bool isInside = visible.Contains(from) && visible.Contains(to);
-    const Span steps = isInside ? Span{0, line.length} : line.Inside(visible);
+    const Span steps = VisibleSteps(surface, line, from, to);
     if (steps.IsEmpty()) return;
-    if (!IsClippedByBox(surface))
-        return WalkSteps(line, steps, 1, [&](int x, std::ptrdiff_t y) {
-            PaintPoint(surface, {x, y}, pixel);
-        });
-    WithPixels(surface.layout, [&](auto access) {
-        WalkSteps(line, steps, surface.pitchBytes,
-                  [&](int x, std::ptrdiff_t row) { access.Store(surface.topRow + row, x, pixel); });
+    std::int64_t step = stepsBefore + steps.begin;
+    WalkSteps(line, steps, 1, [&](int x, std::ptrdiff_t y) {
+        PaintPoint(surface, {x, y}, pen.InkAt(step++));
     });
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "kalvo/raster/ink.h"
 #include "kalvo/raster/region.h"
 #include "kalvo/raster/spans.h"
 #include "kalvo/raster/surface.h"
@@ -42,12 +43,19 @@ void ForVisibleSpans(const Surface& surface, int y, Span columns, Operation&& op
     surface.clip->ForSpans(y, inside, call);
 }
 
-void PaintPoint(const Surface& surface, Position point, RawPixel pixel);
-void PaintSpan(const Surface& surface, int y, Span columns, RawPixel pixel);  // y is on the surface
-void PaintBox(const Surface& surface, const Box& box, RawPixel pixel);
+void PaintPoint(const Surface& surface, Position point, Ink ink);
+void PaintSpan(const Surface& surface, int y, Span columns, const Fill& fill);  // y is on the surface
+void PaintBox(const Surface& surface, const Box& box, const Fill& fill);
+
+// How many steps a line between two pixels takes: one for each of its pixels but the last.
+std::int64_t CountSteps(Position from, Position to);
 
 // The line between two pixels without the last one. Halfway between two pixels it takes the upper or left
 // one, so both directions cover the same pixels.
-void PaintLine(const Surface& surface, Position from, Position to, RawPixel pixel);
+void PaintLine(const Surface& surface, Position from, Position to, Ink ink);
+
+// The same in dashes, of which some steps have gone before.
+void PaintDashes(const Surface& surface, Position from, Position to, const Stroke& pen,
+                 std::int64_t stepsBefore);
 
 }  // namespace Zelkor::Platform

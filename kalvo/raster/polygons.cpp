@@ -1,23 +1,42 @@
-// Polygons: the fill walks the visible rows with the edges that cross them, then the outline goes over it.
+// Polygons and chains of lines: a fill walks the visible rows with the edges that cross them, then the
+// outline goes over it.
 
 #include <cstring>
+#include <utility>
 #include <vector>
 
-#include "kalvo/raster/shapes.h"
+#include "kalvo/raster/stencil.h"
 
 namespace Zelkor::Platform {
 namespace {
 
+Position Placed(POINT point, Position origin) { return {point.x + origin.x, point.y + origin.y}; }
+
 // Calls operation(from, to) for the edges of a closed polygon.
 template <class Operation>
 void ForEdges(std::span<const POINT> points, Position origin, Operation&& operation) {
-    const auto placed = [&](const POINT& point) { return Position{point.x + origin.x, point.y + origin.y}; };
-    Position from = placed(points.back());
-    for (const POINT& point : points) {
-        const Position to = placed(point);
-        operation(from, to);
-        from = to;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        operation(Placed(points[i], origin), Placed(points[(i + 1) % points.size()], origin));
+}
+
+// Calls operation(points) for each polygon.
+template <class Operation>
+void ForPolygons(std::span<const POINT> points, std::span<const int> counts, Operation&& operation) {
+    for (const int count : counts) {
+        operation(points.first(static_cast<std::size_t>(count)));
+        points = points.subspan(static_cast<std::size_t>(count));
     }
+}
+
+// The box around all points.
+Box BoxAround(std::span<const POINT> points, Position origin) {
+    Box around{};
+    for (const POINT& point : points) {
+        const auto [x, y] = Placed(point, origin);
+        const Box pixel{x, y, x + 1, y + 1};
+        around = around.IsEmpty() ? pixel : Hull(around, pixel);
+    }
+    return around;
 }
 
 // An edge on its way down the surface. It crosses the current row at or less than one pixel left of `column`,
@@ -25,8 +44,10 @@ void ForEdges(std::span<const POINT> points, Position origin, Operation&& operat
 class Edge {
 public:
     // Both are in different rows; the upper one's row is crossed, the lower one's is not.
-    Edge(Position upper, Position lower, Span visibleRows)
-        : m_rows(Intersection({upper.y, lower.y}, visibleRows)), m_rise(lower.y - upper.y) {
+    Edge(Position upper, Position lower, int direction, Span visibleRows)
+        : m_rows(Intersection({upper.y, lower.y}, visibleRows)),
+          m_rise(lower.y - upper.y),
+          m_direction(direction) {
         const std::int64_t run = lower.x - upper.x;
         const Int128 moved = Int128{run} * (m_rows.begin - upper.y);
         const Int128 columns = DivideUp<Int128>(moved, m_rise);
@@ -38,6 +59,7 @@ public:
 
     Span Rows() const { return m_rows; }
     std::int64_t Column() const { return m_column; }
+    int Direction() const { return m_direction; }
 
     void GoDown() {
         m_column += m_columnStep;
@@ -52,39 +74,56 @@ private:
     std::int64_t m_column, m_columnStep;
     std::int64_t m_slack, m_slackStep;
     std::int64_t m_rise;
+    int m_direction;  // 1 when the polygon goes down here, -1 up
 };
 
-std::vector<Edge> VisibleEdges(const Surface& surface, std::span<const POINT> points, Position origin) {
+std::vector<Edge> VisibleEdges(const Surface& surface, std::span<const POINT> points,
+                               std::span<const int> counts, Position origin) {
     std::vector<Edge> edges;
-    ForEdges(points, origin, [&](Position from, Position to) {
+    const auto add = [&](Position from, Position to) {
         const bool isDownward = from.y < to.y;
         const Position upper = isDownward ? from : to;
         const Position lower = isDownward ? to : from;
         if (!Intersection({upper.y, lower.y}, RowsOf(surface)).IsEmpty())
-            edges.emplace_back(upper, lower, RowsOf(surface));
-    });
+            edges.emplace_back(upper, lower, isDownward ? 1 : -1, RowsOf(surface));
+    };
+    ForPolygons(points, counts, [&](std::span<const POINT> polygon) { ForEdges(polygon, origin, add); });
     std::ranges::sort(edges, {}, [](const Edge& edge) { return edge.Rows().begin; });
     return edges;
 }
 
-// The columns of a row where inside and outside change. Marks instead of a sorted list: a row may have a
-// crossing for every edge of a huge polygon, and two in one place cancel out.
+// The columns of a row where edges cross it. Marks instead of a sorted list: a row may have a crossing for
+// every edge of a huge polygon.
 class Crossings {
 public:
-    explicit Crossings(int width) : m_width(width), m_isMarked(static_cast<std::size_t>(width) + 1) {}
+    Crossings(int width, FillRule rule)
+        : m_width(width),
+          m_isMarked(static_cast<std::size_t>(width) + 1),
+          m_windings(rule == FillRule::Winding ? m_isMarked.size() : 0) {}
 
-    void Add(std::int64_t column) {
+    void Add(std::int64_t column, int direction) {
         column = std::clamp<std::int64_t>(column, 0, m_width);
-        m_isMarked[static_cast<std::size_t>(column)] ^= 1;
+        const auto place = static_cast<std::size_t>(column);
+        if (m_windings.empty()) {
+            m_isMarked[place] ^= 1;  // two in one place cancel out
+        } else {
+            m_isMarked[place] = 1;
+            m_windings[place] += direction;
+        }
         m_marked = Hull(m_marked, {column, column + 1});
     }
 
     // Calls operation(span) for what is inside, and forgets all.
     template <class Operation>
     void TakeSpans(Operation&& operation) {
-        for (Span inside; !m_marked.IsEmpty(); operation(inside)) {
-            inside.begin = Take();
-            inside.end = Take();
+        Span inside;
+        for (int winding = 0; !m_marked.IsEmpty();) {
+            const std::int64_t column = Take();
+            const bool wasInside = winding != 0;
+            winding = m_windings.empty() ? winding ^ 1 : winding + TakeWinding(column);
+            if (!wasInside) inside.begin = column;
+            inside.end = column;
+            if (wasInside && winding == 0) operation(inside);
         }
     }
 
@@ -100,37 +139,69 @@ private:
         return column;
     }
 
+    int TakeWinding(std::int64_t column) {
+        return column <= m_width ? std::exchange(m_windings[static_cast<std::size_t>(column)], 0) : 0;
+    }
+
     std::int64_t m_width;
     std::vector<std::uint8_t> m_isMarked;
-    Span m_marked;  // all marks are in here
+    std::vector<int> m_windings;  // how often the edges of a column go round what is right of it
+    Span m_marked;                // all marks are in here
 };
 
-void FillPolygon(const Surface& surface, std::span<const POINT> points, Position origin, RawPixel pixel) {
-    const std::vector<Edge> edges = VisibleEdges(surface, points, origin);
+void FillPolygons(const Surface& surface, const std::vector<Edge>& edges, const Fill& brush, FillRule rule) {
     if (edges.empty()) return;
     auto next = edges.begin();
     std::vector<Edge> active;
-    Crossings crossings(surface.width);
+    Crossings crossings(surface.width, rule);
     ForVisibleRows(surface, {edges.front().Rows().begin, surface.height}, [&](int y) {
         std::erase_if(active, [&](const Edge& edge) { return edge.Rows().end <= y; });
         for (; next != edges.end() && next->Rows().begin == y; ++next) active.push_back(*next);
         for (Edge& edge : active) {
-            crossings.Add(edge.Column());
+            crossings.Add(edge.Column(), edge.Direction());
             edge.GoDown();
         }
-        crossings.TakeSpans([&](Span inside) { PaintSpan(surface, y, inside, pixel); });
+        crossings.TakeSpans([&](Span inside) { PaintSpan(surface, y, inside, brush); });
+    });
+}
+
+void OutlinePolygon(const Surface& surface, std::span<const POINT> points, Position origin,
+                    const Stroke& pen) {
+    if (points.empty()) return;
+    // Edges leave out their last pixel for the next edge to draw; those of a single point never would.
+    PaintPoint(surface, Placed(points[0], origin), pen.ink);
+    std::int64_t steps = 0;
+    ForEdges(points, origin, [&](Position from, Position to) {
+        DrawLine(surface, from, to, pen, steps);
+        steps += CountSteps(from, to);
     });
 }
 
 }  // namespace
 
-void DrawPolygon(const Surface& surface, std::span<const POINT> points, Position origin, const Inks& inks) {
-    if (points.empty()) return;
-    if (inks.brush) FillPolygon(surface, points, origin, *inks.brush);
-    if (!inks.pen) return;
-    // Edges leave out their last pixel for the next edge to draw; those of a single point never would.
-    PaintPoint(surface, {points[0].x + origin.x, points[0].y + origin.y}, inks.pen->pixel);
-    ForEdges(points, origin, [&](Position from, Position to) { DrawLine(surface, from, to, *inks.pen); });
+void DrawPolygons(const Surface& surface, std::span<const POINT> points, std::span<const int> counts,
+                  Position origin, const Inks& inks, FillRule rule) {
+    const Box bounds = BoxAround(points, origin).GrownBy(inks.pen ? inks.pen->width : 0);
+    DrawOnce(surface, bounds, inks, [&](const Surface& onto, Position corner, const Inks& used) {
+        const Position moved{origin.x - corner.x, origin.y - corner.y};
+        if (used.brush) FillPolygons(onto, VisibleEdges(onto, points, counts, moved), *used.brush, rule);
+        if (!used.pen) return;
+        ForPolygons(points, counts,
+                    [&](std::span<const POINT> polygon) { OutlinePolygon(onto, polygon, moved, *used.pen); });
+    });
+}
+
+void DrawPolyline(const Surface& surface, std::span<const POINT> points, Position origin, const Stroke& pen) {
+    const Box bounds = BoxAround(points, origin).GrownBy(pen.width);
+    DrawOnce(surface, bounds, {pen, {}}, [&](const Surface& onto, Position corner, const Inks& used) {
+        const Position moved{origin.x - corner.x, origin.y - corner.y};
+        std::int64_t steps = 0;
+        for (std::size_t i = 1; i < points.size(); ++i) {
+            const Position from = Placed(points[i - 1], moved), to = Placed(points[i], moved);
+            DrawLine(onto, from, to, *used.pen, steps);
+            steps += CountSteps(from, to);
+        }
+    });
 }
 
 }  // namespace Zelkor::Platform

@@ -1,8 +1,9 @@
 // Lines of any width, and rectangles.
 #include "kalvo/raster/shapes.h"
 
-#include <array>
 #include <cstdlib>
+
+#include "kalvo/raster/stencil.h"
 
 namespace Zelkor::Platform {
 namespace {
@@ -64,13 +65,36 @@ private:
     Int128 m_reach;  // the greatest product of the direction and an offset across it
 };
 
+// One pixel wide, each pixel once, from the top left corner clockwise.
+void OutlineThin(const Surface& surface, const Box& corners, const Stroke& pen) {
+    const auto [left, top, right, bottom] = corners;
+    if (left == right) return DrawLine(surface, {left, top}, {left, bottom + 1}, pen);
+    if (top == bottom) return DrawLine(surface, {left, top}, {right + 1, top}, pen);
+    const std::int64_t width = right - left, height = bottom - top;
+    DrawLine(surface, {left, top}, {right, top}, pen);
+    DrawLine(surface, {right, top}, {right, bottom}, pen, width);
+    DrawLine(surface, {right, bottom}, {left, bottom}, pen, width + height);
+    DrawLine(surface, {left, bottom}, {left, top}, pen, 2 * width + height);
+}
+
+// What lines between the corners leave when their pen has a width.
+void OutlineWide(const Surface& surface, const Box& corners, const Stroke& pen) {
+    const auto [left, top, right, bottom] = corners;
+    DrawLine(surface, {left, top}, {right, top}, pen);
+    DrawLine(surface, {right, top}, {right, bottom}, pen);
+    DrawLine(surface, {right, bottom}, {left, bottom}, pen);
+    DrawLine(surface, {left, bottom}, {left, top}, pen);
+}
+
 }  // namespace
 
-void DrawLine(const Surface& surface, Position from, Position to, const Stroke& pen) {
-    if (!pen.IsWide()) return PaintLine(surface, from, to, pen.pixel);
+void DrawLine(const Surface& surface, Position from, Position to, const Stroke& pen,
+              std::int64_t stepsBefore) {
+    if (pen.IsDashed()) return PaintDashes(surface, from, to, pen, stepsBefore);
+    if (!pen.IsWide()) return PaintLine(surface, from, to, pen.ink);
     const Capsule capsule(from, to, pen.width);
     ForVisibleRows(surface, capsule.Rows(),
-                   [&](int y) { PaintSpan(surface, y, capsule.Row(y, ColumnsOf(surface)), pen.pixel); });
+                   [&](int y) { PaintSpan(surface, y, capsule.Row(y, ColumnsOf(surface)), pen.ink); });
 }
 
 void DrawRectangle(const Surface& surface, Box box, const Inks& inks) {
@@ -81,12 +105,21 @@ void DrawRectangle(const Surface& surface, Box box, const Inks& inks) {
         if (inks.brush) PaintBox(surface, box, *inks.brush);
         return;
     }
-    if (inks.brush) PaintBox(surface, {box.left + 1, box.top + 1, box.right, box.bottom}, *inks.brush);
-    const std::array<Position, 4> corners{
-        {{box.left, box.top}, {box.right, box.top}, {box.right, box.bottom}, {box.left, box.bottom}}};
-    PaintPoint(surface, corners[0], inks.pen->pixel);  // the edges of a single pixel have no other
-    for (std::size_t i = 0; i < corners.size(); ++i)
-        DrawLine(surface, corners[i], corners[(i + 1) % corners.size()], *inks.pen);
+    const auto fill = [&](const Surface& onto, const Box& corners, const Inks& used) {
+        const Box inside{corners.left + 1, corners.top + 1, corners.right, corners.bottom};
+        if (used.brush) PaintBox(onto, inside, *used.brush);
+    };
+    if (!inks.pen->IsWide()) {
+        fill(surface, box, inks);
+        return OutlineThin(surface, box, *inks.pen);
+    }
+    DrawOnce(surface, box.GrownBy(inks.pen->width), inks,
+             [&](const Surface& onto, Position corner, const Inks& used) {
+                 const Box moved{box.left - corner.x, box.top - corner.y, box.right - corner.x,
+                                 box.bottom - corner.y};
+                 fill(onto, moved, used);
+                 OutlineWide(onto, moved, *used.pen);
+             });
 }
 
 }  // namespace Zelkor::Platform

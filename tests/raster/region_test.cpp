@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bitset>
 #include <functional>
 #include <random>
@@ -99,7 +100,8 @@ const std::function<void(const Surface&)> kDrawings[] = {
     },
     [](const Surface& surface) {
         const POINT points[] = {{1, 1}, {30, 5}, {4, 23}, {9, -8}};
-        DrawPolygon(surface, points, {}, {Stroke{0, 1}, 1});
+        DrawPolygons(surface, points, std::array{static_cast<int>(std::size(points))}, {}, {Stroke{0, 1}, 1},
+                     FillRule::Alternate);
     },
     [](const Surface& surface) { BlitScaled(surface, 9, false); },
     [](const Surface& surface) { BlitScaled(surface, 21, false); },

@@ -20,6 +20,12 @@ using std::numbers::pi;
 Inks PenAndBrush(std::int64_t penWidth) { return {Stroke{1, penWidth}, 2}; }
 constexpr Inks kBrushAlone{std::nullopt, 2};
 
+void DrawPolygon(const Surface& surface, std::span<const POINT> points, Position origin, const Inks& inks,
+                 FillRule rule = FillRule::Alternate) {
+    const int count = static_cast<int>(points.size());
+    DrawPolygons(surface, points, {&count, 1}, origin, inks, rule);
+}
+
 struct Random {
     std::mt19937 engine;
     int Between(int least, int most) { return std::uniform_int_distribution(least, most)(engine); }
