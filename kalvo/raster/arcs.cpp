@@ -16,8 +16,8 @@ struct Ray {
 
 Int128 Cross(Ray a, Ray b) { return Int128{a.x} * b.y - Int128{a.y} * b.x; }
 
-// The angle between two rays. What is not above 180 degrees is convex, and in each row a span; so a larger
-// angle is kept as the one that is left out.
+// The angle between two rays. One of up to 180 degrees is in each row a span; so a larger angle is kept as
+// the one that it leaves out.
 class Sector {
 public:
     Sector(Position doubledCentre, Position start, Position end) {
@@ -32,9 +32,10 @@ public:
     }
 
     // The part of the span in the angle, in up to two pieces. The pixels of the row are at (2 * x - centreX,
-    // height) from the centre, in half pixels.
+    // height) from the centre, in half pixels. The angle that is kept counts as far as `limit` goes.
     template <class Operation>
-    void ForPieces(Span span, std::int64_t centreX, std::int64_t height, Operation&& operation) const {
+    void ForPieces(Span span, Span limit, std::int64_t centreX, std::int64_t height,
+                   Operation&& operation) const {
         if (m_isWhole) return operation(span);
         // Pixels on the rays belong to the arc.
         const int least = m_isLeftOut ? 1 : 0;
@@ -42,14 +43,14 @@ public:
         const Int128 toConstant = Int128{m_to.x} * height + Int128{m_to.y} * centreX;
         Span within = WhereNotNegative(span, Int128{-2} * m_from.y, fromConstant - least);
         within = WhereNotNegative(within, Int128{2} * m_to.y, -toConstant - least);
+        within = Intersection(within, limit);
         if (!m_isLeftOut) return operation(within);
         ForOutside(span, within, operation);
     }
 
     Ray From() const { return m_isLeftOut ? m_to : m_from; }
     Ray To() const { return m_isLeftOut ? m_from : m_to; }
-    // Above 180 degrees.
-    bool IsLarge() const { return m_isWhole || m_isLeftOut; }
+    bool IsLeftOut() const { return m_isLeftOut; }
 
 private:
     static Ray RayThrough(Position point, Position doubledCentre) {
@@ -81,9 +82,14 @@ public:
     // Calls operation(piece) for the parts of a row's span that are in the arc's angle.
     template <class Operation>
     void ForPieces(int y, Span span, std::int64_t penWidth, Operation&& operation) const {
+        ForPieces(y, span, span, penWidth, operation);
+    }
+    template <class Operation>
+    void ForPieces(int y, Span span, Span limit, std::int64_t penWidth, Operation&& operation) const {
         const auto [centreX, centreY] = DoubledCentre(m_box);
         const std::int64_t penShift = penWidth % 2 == 0 ? 1 : 0;
-        m_sector.ForPieces(span, centreX - penShift, centreY - penShift - 2 * std::int64_t{y}, operation);
+        m_sector.ForPieces(span, limit, centreX - penShift, centreY - penShift - 2 * std::int64_t{y},
+                           operation);
     }
 
     void Paint(const Surface& surface, const Stroke& pen) const {
@@ -127,12 +133,15 @@ void ForInside(const Surface& surface, const Box& box, const Inks& inks, Operati
     }
 }
 
-// The part of a row's span between an arc and the line between its ends, with the line's pixels.
-Span InsideChord(const ArcOutline& arc, int y, Span span) {
+// The part of a row's span on the arc's side of the line between its ends, with the line itself; of an arc
+// above 180 degrees the rest of it. An end is a whole pixel, so the line of a short arc is inexact: it only
+// divides the angle.
+Span BesideChord(const ArcOutline& arc, int y, Span span) {
     const Position start = arc.Start(), end = arc.End();
     const std::int64_t right = end.x - start.x, down = end.y - start.y;
-    if (right == 0 && down == 0) return arc.Angle().IsLarge() ? span : Span{};
-    return WhereNotNegative(span, Int128{-down}, Int128{right} * (y - start.y) + Int128{down} * start.x);
+    const Int128 constant = Int128{right} * (y - start.y) + Int128{down} * start.x;
+    if (arc.Angle().IsLeftOut()) return WhereNotNegative(span, Int128{down}, -constant - 1);
+    return right == 0 && down == 0 ? Span{} : WhereNotNegative(span, Int128{-down}, constant);
 }
 
 enum class Closing : std::uint8_t { AtCentre, Straight };
@@ -142,8 +151,8 @@ void FillEnclosed(const Surface& surface, const Box& box, const ArcOutline& arc,
     const std::int64_t penWidth = inks.pen ? inks.pen->width : 1;
     const auto paint = [&](int y, Span span) { PaintSpan(surface, y, span, *inks.brush); };
     ForInside(surface, box, inks, [&](int y, Span span) {
-        if (closing == Closing::Straight) return paint(y, InsideChord(arc, y, span));
-        arc.ForPieces(y, span, penWidth, [&](Span piece) { paint(y, piece); });
+        const Span limit = closing == Closing::Straight ? BesideChord(arc, y, span) : span;
+        arc.ForPieces(y, span, limit, penWidth, [&](Span piece) { paint(y, piece); });
     });
 }
 

@@ -126,6 +126,94 @@ TEST(GdiArc, RunsCounterClockwiseInTheRingBetweenTheBoxGrownAndShrunkByThePen) {
     EXPECT_EQ(fromCentre.Picture(), "   ##  \n     # \n      #\n      #\n");
 }
 
+TEST(GdiRoundRectangle, HasCornersOfAnEllipse) {
+    for (int i = 0; i < 9 * 9 * 4; ++i) {
+        const int width = i % 9, height = i / 9 % 9, pen = 1 + i / 81;
+        const Box box{3, 3, 16, 15};
+        const Canvas canvas(20, 18);
+        DrawRoundRectangle(canvas.View(), box, 2 * width, 2 * height, {Stroke{1, pen}, 2});
+        const int before = pen / 2;
+        const Box outer{3 - before, 3 - before, 15 - before + pen, 14 - before + pen};
+        const auto isIn = [&](const Box& in, int grown, int x, int y) {
+            const std::int64_t w = std::min<std::int64_t>(2 * width, box.Width()) + grown;
+            const std::int64_t h = std::min<std::int64_t>(2 * height, box.Height()) + grown;
+            if (!in.Contains({x, y})) return false;
+            if (w <= 0 || h <= 0) return true;
+            const bool isRight = 2 * (x - in.left) >= in.Width(), isLow = 2 * (y - in.top) >= in.Height();
+            const std::int64_t left = isRight ? in.right - w : in.left, top = isLow ? in.bottom - h : in.top;
+            const bool isCorner = isRight ? x >= in.right - w / 2 : x < in.left + w / 2;
+            const bool isInCornerRows = isLow ? y >= in.bottom - h / 2 : y < in.top + h / 2;
+            return !isCorner || !isInCornerRows || IsInEllipse({left, top, left + w, top + h}, x, y);
+        };
+        const auto isOuter = [&](int x, int y) { return isIn(outer, pen - 1, x, y); };
+        ASSERT_EQ(canvas.Picture(), canvas.Picture([&](int x, int y) {
+            if (!isOuter(x, y)) return 0;
+            if (pen > 1) return 1 + isIn(outer.GrownBy(-pen), -1 - pen, x, y);
+            return 1 + (isOuter(x - 1, y) && isOuter(x + 1, y) && isOuter(x, y - 1) && isOuter(x, y + 1));
+        })) << width
+            << ' ' << height << ' ' << pen;
+    }
+}
+
+TEST(GdiPie, FillsTheAngleAndTheChordWhatIsBesideItsLine) {
+    Random random;
+    const auto turn = [](double angle) { return angle < 0 ? angle + 2 * pi : angle; };
+    for (int i = 0; i < 500; ++i) {
+        const Box box{4, 4, random.Between(12, 28), random.Between(12, 28)};
+        const Box inside{4, 4, box.right - 1, box.bottom - 1};
+        const Position start = random.Place(-10, 49), end = random.Place(-10, 49);
+        const double cx = (inside.left + inside.right - 1) / 2.0, cy = (inside.top + inside.bottom - 1) / 2.0;
+        const double first = std::atan2(cy - start.y, start.x - cx);
+        const double sweep = turn(std::atan2(cy - end.y, end.x - cx) - first);
+        if (sweep < 0.2 || sweep > 2 * pi - 0.2) continue;
+        const Canvas pie(28, 28), chord(28, 28);
+        DrawPie(pie.View(), box, start, end, kBrushAlone);
+        ASSERT_EQ(pie.Picture(), pie.Picture([&](int x, int y) {
+            const double angle = turn(std::atan2(cy - y, x - cx) - first);
+            const bool isOnRay = std::abs(angle - sweep) < 1e-9 || std::abs(angle - pi) > pi - 1e-9;
+            const bool isCentre = x == cx && y == cy;
+            return 2 * ((isOnRay || isCentre || angle < sweep) && IsInEllipse(inside, x, y));
+        })) << i;
+        // Where a ray meets the ellipse, and which side of the line between two such points a pixel is on.
+        const double a = (inside.Width() - 1) / 2.0, b = (inside.Height() - 1) / 2.0;
+        const auto meet = [&](Position at) {
+            const double x = at.x - cx, y = at.y - cy, scale = std::hypot(x / a, y / b);
+            return scale > 0 ? std::pair{x / scale + cx, y / scale + cy} : std::pair{cx + a, cy};
+        };
+        const auto [x0, y0] = meet(start);
+        const auto [x1, y1] = meet(end);
+        DrawChord(chord.View(), box, start, end, kBrushAlone);
+        for (int k = 0; k < 28 * 28; ++k) {
+            const int x = k % 28, y = k / 28;
+            const double off = ((x1 - x0) * (y - y0) - (y1 - y0) * (x - x0)) / std::hypot(x1 - x0, y1 - y0);
+            if (std::abs(off) <= 1.0) continue;  // the ends are whole pixels
+            ASSERT_EQ(chord(x, y), off > 0 && IsInEllipse(inside, x, y) ? 2u : 0u) << i;
+        }
+    }
+}
+
+TEST(GdiPolygon, WindingCountsTheDirectionsOfEdges) {
+    Random random;
+    for (int i = 0; i < 400; ++i) {
+        std::vector<POINT> points(3 + i % 9);
+        for (POINT& point : points) point = {random.Between(-15, 55), random.Between(-15, 55)};
+        const int counts[] = {2, static_cast<int>(points.size()) - 2};
+        const Canvas canvas(40, 40);
+        const std::span<const int> all(counts);
+        DrawPolygons(canvas.View(), points, all, {}, kBrushAlone, FillRule::Winding);
+        ASSERT_EQ(canvas.Picture(), canvas.Picture([&](int x, int y) {
+            int winding = 0;
+            for (std::size_t k = 2; k < points.size(); ++k) {
+                const POINT a = points[k], b = points[k + 1 < points.size() ? k + 1 : 2];
+                const int side = (x - a.x) * (b.y - a.y) - (y - a.y) * (b.x - a.x);
+                if ((a.y <= y) != (b.y <= y) && (b.y > a.y ? side >= 0 : side <= 0))
+                    winding += b.y > a.y ? 1 : -1;
+            }
+            return winding ? 2 : 0;
+        }));
+    }
+}
+
 TEST(GdiPolygon, FillsWhereAnOddNumberOfEdgesLiesToTheLeft) {
     Random random;
     for (int i = 0; i < 1500; ++i) {
