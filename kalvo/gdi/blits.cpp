@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "kalvo/gdi/dibformat.h"
-#include "kalvo/gdi/objects.h"
+#include "kalvo/gdi/inks.h"
 #include "kalvo/raster/blit.h"
 
 namespace Zelkor::Platform {
@@ -32,15 +32,17 @@ RasterOperation OperationOf(DWORD code) { return RasterOperation(static_cast<std
 
 void DrawPicture(const Context& context, const Surface& target, const Surface& source,
                  const BlitAxis& columns, const BlitAxis& rows, RasterOperation operation) {
-    RawPixel pattern = 0;
-    if (operation.UsesPattern()) {
-        if (!context.brush->Draws()) return;
-        pattern = RawFromBgr(target, BgrFromColor(context.brush->logical.lbColor));
+    const bool usesPattern = operation.UsesPattern();
+    if (usesPattern && !context.brush->Draws()) return;
+    if (operation.UsesSource()) {
+        const Fill pattern = usesPattern ? FillEverywhere(context, *context.brush) : Fill(RawPixel{0});
+        return Combine(target, source, columns, rows, operation, pattern);
     }
-    if (operation.UsesSource()) return Combine(target, source, columns, rows, operation, pattern);
     const Box box{columns.destination, rows.destination, columns.destination + columns.destinationSize,
                   rows.destination + rows.destinationSize};
-    Combine(target, box, operation, pattern);
+    const BinaryOperation remaining = operation.WithoutSource();
+    PaintBox(target, box,
+             usesPattern ? *FillOf(context, *context.brush, remaining) : InkFrom(context, 0, remaining));
 }
 
 }  // namespace

@@ -72,7 +72,7 @@ int DrawBoxes(HDC hDC, const RECT* rect, HBRUSH hBrush, Operation&& draw) {
     if (!rect || !brush) return 0;
     return Draw(hDC, [&](const Context& context) {
         const Box box = context.Placed(*rect);
-        const auto fill = CoveringFill(context, *brush);
+        const auto fill = FillOf(context, *brush, kCover);
         if (fill && !box.IsEmpty()) draw(context.Target(), box, *fill);
     });
 }
@@ -205,6 +205,6 @@ int FrameRect(HDC hDC, const RECT* pRect, HBRUSH hBrush) {
 BOOL InvertRect(HDC hDC, const RECT* pRect) {
     if (!pRect) return 0;
     return Draw(hDC, [&](const Context& context) {
-        PaintBox(context.Target(), context.Placed(*pRect), InvertingInk(context));
+        PaintBox(context.Target(), context.Placed(*pRect), InkFrom(context, 0, kInvert));
     });
 }

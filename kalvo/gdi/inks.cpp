@@ -1,19 +1,18 @@
 // Pens and brushes as inks.
+
 #include "kalvo/gdi/inks.h"
 
 namespace Zelkor::Platform {
 namespace {
 
-// The modes are numbered from 1 in the order of their tables of values.
-Ink InkFrom(const Context& context, COLORREF color, int mode) {
-    const Surface& surface = context.bitmap->surface;
-    return InkOf(static_cast<BinaryOperation>(mode - R2_BLACK), RawFromBgr(surface, BgrFromColor(color)),
-                 surface.layout);
+// What stands between dashes and hatches.
+Ink GapOf(const Context& context, BinaryOperation operation) {
+    return context.backgroundMode == OPAQUE ? InkFrom(context, context.backgroundColor, operation) : kNoInk;
 }
 
-// What stands between dashes and hatches.
-Ink GapOf(const Context& context, int mode) {
-    return context.backgroundMode == OPAQUE ? InkFrom(context, context.backgroundColor, mode) : kNoInk;
+// The modes are numbered from 1 in the order of their tables of values.
+BinaryOperation ModeOf(const Context& context) {
+    return static_cast<BinaryOperation>(context.drawingMode - R2_BLACK);
 }
 
 constexpr std::uint32_t Run(int begin, int length) { return ((1u << length) - 1) << begin; }
@@ -52,38 +51,53 @@ Pattern PatternOf(std::uintptr_t hatch) {
     }
 }
 
-std::optional<Fill> FillOf(const Context& context, const Brush& brush, int mode) {
-    if (!brush.Draws()) return std::nullopt;
+COLORREF ColorOf(const Context& context, const Pen& pen) {
+    const bool isContexts = pen.isStock && &pen == StockObject(DC_PEN);
+    return isContexts ? context.penColor : pen.logical.lopnColor;
+}
+COLORREF ColorOf(const Context& context, const Brush& brush) {
     const bool isContexts = brush.isStock && &brush == StockObject(DC_BRUSH);
-    const Ink ink = InkFrom(context, isContexts ? context.brushColor : brush.logical.lbColor, mode);
+    return isContexts ? context.brushColor : brush.logical.lbColor;
+}
+
+Fill FillWithGaps(const Context& context, const Brush& brush, BinaryOperation operation, Ink gap) {
+    const Ink ink = InkFrom(context, ColorOf(context, brush), operation);
     if (brush.logical.lbStyle != BS_HATCHED) return ink;
-    const Pattern pattern =
-        Moved(PatternOf(brush.logical.lbHatch), context.brushOrigin.x, context.brushOrigin.y);
-    return Fill(ink, pattern, GapOf(context, mode));
+    const auto [right, down] = context.brushOrigin;
+    return {ink, Moved(PatternOf(brush.logical.lbHatch), right, down), gap};
 }
 
 }  // namespace
 
+Ink InkFrom(const Context& context, COLORREF color, BinaryOperation operation) {
+    const Surface& surface = context.bitmap->surface;
+    return InkOf(operation, RawFromBgr(surface, BgrFromColor(color)), surface.layout);
+}
+
 std::optional<Stroke> PenOf(const Context& context) {
     const Pen& pen = *context.pen;
     if (!pen.Draws()) return std::nullopt;
-    const bool isContexts = pen.isStock && &pen == StockObject(DC_PEN);
-    const COLORREF color = isContexts ? context.penColor : pen.logical.lopnColor;
-    Stroke stroke{InkFrom(context, color, context.drawingMode), pen.Width(), DashesOf(pen.logical.lopnStyle)};
-    if (stroke.IsDashed()) stroke.gap = GapOf(context, context.drawingMode);
+    const BinaryOperation mode = ModeOf(context);
+    Stroke stroke{InkFrom(context, ColorOf(context, pen), mode), pen.Width(),
+                  DashesOf(pen.logical.lopnStyle)};
+    if (stroke.IsDashed()) stroke.gap = GapOf(context, mode);
     return stroke;
 }
 
+std::optional<Fill> FillOf(const Context& context, const Brush& brush, BinaryOperation operation) {
+    if (!brush.Draws()) return std::nullopt;
+    const bool hasGaps = brush.logical.lbStyle == BS_HATCHED;
+    return FillWithGaps(context, brush, operation, hasGaps ? GapOf(context, operation) : kNoInk);
+}
+
+Fill FillEverywhere(const Context& context, const Brush& brush) {
+    return FillWithGaps(context, brush, kCover, InkFrom(context, context.backgroundColor, kCover));
+}
+
 std::optional<Fill> BrushOf(const Context& context) {
-    return FillOf(context, *context.brush, context.drawingMode);
+    return FillOf(context, *context.brush, ModeOf(context));
 }
 
 Inks InksOf(const Context& context) { return {PenOf(context), BrushOf(context)}; }
-
-std::optional<Fill> CoveringFill(const Context& context, const Brush& brush) {
-    return FillOf(context, brush, R2_COPYPEN);
-}
-
-Ink InvertingInk(const Context& context) { return InkFrom(context, 0, R2_NOT); }
 
 }  // namespace Zelkor::Platform

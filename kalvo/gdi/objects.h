@@ -1,6 +1,6 @@
+#pragma once
 // What stands behind the handles: pens, brushes, fonts, bitmaps, palettes, regions and contexts, and the
 // table of handles.
-#pragma once
 
 #include <algorithm>
 #include <array>

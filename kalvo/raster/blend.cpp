@@ -20,7 +20,8 @@ void MixRows(const Surface& destination, const Surface& source, const BlitAxis& 
     RowConverter toMixed(destination, form), fromMixed(form, destination);
     std::vector<std::uint8_t> mixed;
     ForEachSpan(destination, source, columns, rows, form,
-                [&](std::uint8_t* row, int x0, int x1, const std::uint8_t* pixels, int pixelsX) {
+                [&](int y, int x0, int x1, const std::uint8_t* pixels, int pixelsX) {
+                    std::uint8_t* const row = destination.Row(y);
                     const auto count = static_cast<std::size_t>(x1 - x0);
                     pixels += bytesPerPixel * pixelsX;
                     if (destination.layout == layout) return mix(row + bytesPerPixel * x0, pixels, count);

@@ -24,26 +24,30 @@ void BlitWholeRows(const Surface& destination, const Surface& source, const Visi
     }
 }
 
-// Combines pixels x0 <= x < x1 of rows with an operation.
+// Combines pixels x0 <= x < x1 of a row with an operation.
 class RowCombiner {
 public:
-    RowCombiner(const Surface& destination, RasterOperation operation, RawPixel pattern)
-        : m_layout(destination.layout), m_operation(operation) {
-        Surface row = destination;
-        row.clip = nullptr;
-        m_pattern.resize((static_cast<std::size_t>(row.width) * BitsPerPixel(m_layout) + 7) / 8);
-        row.topRow = m_pattern.data();
-        FillSpan(row, 0, 0, row.width, pattern);
+    RowCombiner(const Surface& destination, RasterOperation operation, const Fill& pattern)
+        : m_destination(destination), m_operation(operation), m_patterns(destination) {
+        m_patterns.clip = nullptr;
+        m_patterns.height = pattern.pattern == kSolid ? 1 : kPatternSize;
+        m_patterns.pitchBytes =
+            (std::ptrdiff_t{destination.width} * BitsPerPixel(destination.layout) + 7) / 8;
+        m_memory.resize(static_cast<std::size_t>(m_patterns.pitchBytes * m_patterns.height));
+        m_patterns.topRow = m_memory.data();
+        for (int y = 0; y < m_patterns.height; ++y) ApplyFill(m_patterns, y, 0, m_patterns.width, pattern);
     }
+    RowCombiner(const RowCombiner&) = delete;
 
     // Source pixels are those from `sourceX` on, equally far from the next byte.
-    void Combine(std::uint8_t* row, int x0, int x1, const std::uint8_t* source, int sourceX) const {
-        const std::ptrdiff_t bits = BitsPerPixel(m_layout);
+    void Combine(int y, int x0, int x1, const std::uint8_t* source, int sourceX) const {
+        const std::ptrdiff_t bits = BitsPerPixel(m_destination.layout);
         const std::ptrdiff_t begin = bits * x0 / 8, end = (bits * x1 + 7) / 8;
+        std::uint8_t* const row = m_destination.Row(y);
         const std::uint8_t first = row[begin], last = row[end - 1];
-        m_operation.Apply(m_pattern.data() + begin, source + bits * sourceX / 8, row + begin,
-                          static_cast<std::size_t>(end - begin));
-        if (m_layout != PixelLayout::Bits1) return;
+        m_operation.Apply(m_patterns.Row(y % m_patterns.height) + begin, source + bits * sourceX / 8,
+                          row + begin, static_cast<std::size_t>(end - begin));
+        if (m_destination.layout != PixelLayout::Bits1) return;
         PutBack(row[begin], first, 0xFF00 >> (x0 & 7));
         PutBack(row[end - 1], last, 0x7F >> ((x1 - 1) & 7));
     }
@@ -53,9 +57,10 @@ private:
         byte = static_cast<std::uint8_t>((byte & ~mask) | (before & mask));
     }
 
-    PixelLayout m_layout;
+    const Surface& m_destination;
     RasterOperation m_operation;
-    std::vector<std::uint8_t> m_pattern;  // a whole row
+    std::vector<std::uint8_t> m_memory;
+    Surface m_patterns;  // as wide as the destination, as high as the pattern
 };
 
 }  // namespace
@@ -67,28 +72,19 @@ void Blit(const Surface& destination, const Surface& source, const BlitAxis& col
     if (IsClippedByBox(destination) && OrderOfRows(destination, source, x, y) == RowOrder::Any)
         return BlitWholeRows(destination, source, x, y);
     ForEachSpan(destination, source, columns, rows, destination,
-                [&](std::uint8_t* row, int x0, int x1, const std::uint8_t* pixels, int pixelsX) {
-                    CopyPixels(destination.layout, pixels, pixelsX, row, x0, x1 - x0);
+                [&](int row, int x0, int x1, const std::uint8_t* pixels, int pixelsX) {
+                    CopyPixels(destination.layout, pixels, pixelsX, destination.Row(row), x0, x1 - x0);
                 });
 }
 
 void Combine(const Surface& destination, const Surface& source, const BlitAxis& columns, const BlitAxis& rows,
-             RasterOperation operation, RawPixel pattern) {
+             RasterOperation operation, const Fill& pattern) {
     if (operation.CopiesSource()) return Blit(destination, source, columns, rows);
     const RowCombiner combiner(destination, operation, pattern);
     ForEachSpan(destination, source, columns, rows, destination,
-                [&](std::uint8_t* row, int x0, int x1, const std::uint8_t* pixels, int pixelsX) {
-                    combiner.Combine(row, x0, x1, pixels, pixelsX);
+                [&](int y, int x0, int x1, const std::uint8_t* pixels, int pixelsX) {
+                    combiner.Combine(y, x0, x1, pixels, pixelsX);
                 });
-}
-
-void Combine(const Surface& destination, const Box& box, RasterOperation operation, RawPixel pattern) {
-    const RowCombiner combiner(destination, operation, pattern);
-    ForVisibleRows(destination, box.Rows(), [&](int y) {
-        std::uint8_t* const row = destination.Row(y);
-        ForVisibleSpans(destination, y, box.Columns(),
-                        [&](int x0, int x1) { combiner.Combine(row, x0, x1, row, x0); });
-    });
 }
 
 }  // namespace Zelkor::Platform

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "kalvo/raster/blitaxis.h"
+#include "kalvo/raster/ink.h"
 #include "kalvo/raster/rasteroperation.h"
 #include "kalvo/raster/surface.h"
 
@@ -14,12 +15,9 @@ namespace Zelkor::Platform {
 void Blit(const Surface& destination, const Surface& source, const BlitAxis& columns, const BlitAxis& rows);
 
 // The bits of destination pixels become what an operation makes of them, of the bits that `Blit` would store,
-// and of those of `pattern`.
+// and of those of a pattern that covers all.
 void Combine(const Surface& destination, const Surface& source, const BlitAxis& columns, const BlitAxis& rows,
-             RasterOperation operation, RawPixel pattern);
-
-// The same in a box, with an operation that uses no source.
-void Combine(const Surface& destination, const Box& box, RasterOperation operation, RawPixel pattern);
+             RasterOperation operation, const Fill& pattern);
 
 // Each component becomes (s x alpha + d x (255 - alpha)) / 255, rounded. 16-bit and indexed destinations mix
 // what their pixels show, and take the nearest pixel.

@@ -23,7 +23,7 @@ struct CopiedPart {
     Surface surface;
 };
 
-// Calls store(row, x0, x1, pixels, pixelsX) for the visible spans x0 <= x < x1 of a destination's rows: from
+// Calls store(y, x0, x1, pixels, pixelsX) for the visible spans x0 <= x < x1 of a destination's rows: from
 // pixelsX on, `pixels` has what the source has for them, as `form` has pixels. In rows of single bits both
 // are equally far from the next byte.
 template <class Store>
@@ -56,7 +56,7 @@ void ForEachSpan(const Surface& destination, const Surface& source, const BlitAx
         const int pixelsX = found ? -x.First() : lead - x.First();
         const int row = y.First() + step;
         ForVisibleSpans(destination, row, x.All(),
-                        [&](int x0, int x1) { store(destination.Row(row), x0, x1, pixels, x0 + pixelsX); });
+                        [&](int x0, int x1) { store(row, x0, x1, pixels, x0 + pixelsX); });
     }
 }
 

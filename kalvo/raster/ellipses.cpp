@@ -1,4 +1,5 @@
 // Ellipses and rectangles with round corners.
+
 #include "kalvo/raster/ring.h"
 
 namespace Zelkor::Platform {

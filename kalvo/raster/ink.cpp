@@ -1,15 +1,16 @@
 // Inks: binary operations as two masks, and applying them to a span of a row.
+
 #include "kalvo/raster/ink.h"
+
+#include <cstring>
 
 #include "kalvo/raster/pixelaccess.h"
 
 namespace Zelkor::Platform {
 namespace {
 
-constexpr int kPatternSize = 8;
-
 constexpr RawPixel AllBits(PixelLayout layout) {
-    constexpr RawPixel bits[] = {1, 0xFF, 0x7FFF, 0xFFFF, 0xFFFFFF, 0xFFFFFF};
+    constexpr RawPixel bits[] = {1, 0xFF, 0xFFFF, 0xFFFF, 0xFFFFFF, 0xFFFFFF};
     return bits[static_cast<int>(layout)];
 }
 
@@ -19,6 +20,22 @@ constexpr unsigned PatternRow(Pattern pattern, int y) {
 
 constexpr bool IsSet(unsigned patternRow, int x) {
     return patternRow >> (kPatternSize - 1 - x % kPatternSize) & 1;
+}
+
+template <class Access>
+void CombinePixels(Access, std::uint8_t* row, int x0, int x1, Ink ink) {
+    for (int x = x0; x < x1; ++x) Access::Store(row, x, (Access::Read(row, x) & ink.keep) ^ ink.flip);
+}
+
+// The fourth byte is nobody's, but some keep an opacity there: it stays.
+void CombinePixels(Bgrx32Access, std::uint8_t* row, int x0, int x1, Ink ink) {
+    for (int x = x0; x < x1; ++x) {
+        RawPixel pixel;
+        std::uint8_t* const place = row + 4 * static_cast<std::ptrdiff_t>(x);
+        std::memcpy(&pixel, place, sizeof pixel);
+        pixel = (pixel & (ink.keep | 0xFF000000)) ^ ink.flip;
+        std::memcpy(place, &pixel, sizeof pixel);
+    }
 }
 
 }  // namespace
@@ -48,10 +65,7 @@ void ApplyInk(const Surface& surface, int x, int y, Ink ink) { ApplyInk(surface,
 void ApplyInk(const Surface& surface, int y, int x0, int x1, Ink ink) {
     if (ink.Covers()) return FillSpan(surface, y, x0, x1, ink.flip);
     if (ink == kNoInk) return;
-    WithPixels(surface.layout, [&](auto access) {
-        std::uint8_t* row = surface.Row(y);
-        for (int x = x0; x < x1; ++x) access.Store(row, x, (access.Read(row, x) & ink.keep) ^ ink.flip);
-    });
+    WithPixels(surface.layout, [&](auto access) { CombinePixels(access, surface.Row(y), x0, x1, ink); });
 }
 
 void ApplyFill(const Surface& surface, int y, int x0, int x1, const Fill& fill) {

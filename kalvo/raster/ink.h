@@ -1,6 +1,6 @@
+#pragma once
 // What drawing does to the pixels it reaches: it covers them, or combines their bits with those of a colour;
 // everywhere, in a pattern, or in dashes.
-#pragma once
 
 #include <cstdint>
 
@@ -30,6 +30,7 @@ Ink InkOf(BinaryOperation operation, RawPixel color, PixelLayout layout);
 // Eight rows of eight pixels, which repeat from the top left pixel of a surface on. A row is a byte, the
 // first one the lowest; its first pixel is the most significant bit.
 using Pattern = std::uint64_t;
+inline constexpr int kPatternSize = 8;
 inline constexpr Pattern kSolid = ~Pattern{0};
 
 // The pattern with its first pixel at (right, down).

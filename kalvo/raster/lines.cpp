@@ -1,4 +1,5 @@
 // Points, lines one pixel wide, spans and boxes on a surface.
+
 #include "kalvo/raster/lines.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
+#pragma once
 // Points, lines one pixel wide, spans and boxes on a surface, clipped to it and to its region. Any
 // coordinates will do, and cost no more than the pixels that can be seen.
-#pragma once
 
 #include <cstdint>
 

@@ -15,6 +15,9 @@ public:
     constexpr bool UsesSource() const { return ((m_table >> 2 ^ m_table) & 0x33) != 0; }
     constexpr bool CopiesSource() const { return m_table == 0xCC; }
 
+    // What is left of one that uses no source: bit 2p + d is what bits p and d become.
+    constexpr unsigned WithoutSource() const { return (m_table & 3u) | (m_table >> 2 & 12u); }
+
     // Of rows of bytes, without overlap. A row that is not used may be any.
     void Apply(const std::uint8_t* pattern, const std::uint8_t* source, std::uint8_t* destination,
                std::size_t bytes) const;

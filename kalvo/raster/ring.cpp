@@ -1,4 +1,5 @@
 // Rows of ellipses and round corners, and the ring that a pen leaves along them.
+
 #include "kalvo/raster/ring.h"
 
 #include <cmath>

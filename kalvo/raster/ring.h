@@ -1,5 +1,5 @@
-// The outline of an ellipse or of a rectangle with round corners, row by row.
 #pragma once
+// The outline of an ellipse or of a rectangle with round corners, row by row.
 
 #include "kalvo/raster/shapes.h"
 

@@ -1,4 +1,5 @@
 // Lines of any width, and rectangles.
+
 #include "kalvo/raster/shapes.h"
 
 #include <cstdlib>

@@ -1,9 +1,9 @@
+#pragma once
 // Shapes on a surface, outlined with a pen and filled with a brush. They cost what can be seen of them.
 //
 // A pen of one pixel draws within a shape's box. A wider pen is a disc whose centre runs along the same
 // pixels; a pen of even width has its centre half a pixel further to the top and left, so that it covers as
 // many pixels as it is wide.
-#pragma once
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,5 @@
 // Shapes as numbers of their inks.
+
 #include "kalvo/raster/stencil.h"
 
 namespace Zelkor::Platform {

@@ -1,6 +1,6 @@
+#pragma once
 // Drawing in two steps: the shape first as numbers of its inks, then the inks onto the surface, so that none
 // of them reaches a pixel twice.
-#pragma once
 
 #include <vector>
 

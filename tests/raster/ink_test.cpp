@@ -13,7 +13,7 @@ namespace Zelkor::Platform {
 namespace {
 
 TEST(Ink, AppliesItsOperationToEachBit) {
-    constexpr int kBits[] = {1, 8, 15, 16, 24, 24};
+    constexpr int kBits[] = {1, 8, 16, 16, 24, 24};
     std::mt19937 random(3);
     for (int i = 0; i < 6 * 16 * 8; ++i) {
         const auto layout = static_cast<PixelLayout>(i % 6);
