@@ -52,12 +52,10 @@ Pattern PatternOf(std::uintptr_t hatch) {
 }
 
 COLORREF ColorOf(const Context& context, const Pen& pen) {
-    const bool isContexts = pen.isStock && &pen == StockObject(DC_PEN);
-    return isContexts ? context.penColor : pen.logical.lopnColor;
+    return pen.hasContextColor ? context.penColor : pen.logical.lopnColor;
 }
 COLORREF ColorOf(const Context& context, const Brush& brush) {
-    const bool isContexts = brush.isStock && &brush == StockObject(DC_BRUSH);
-    return isContexts ? context.brushColor : brush.logical.lbColor;
+    return brush.hasContextColor ? context.brushColor : brush.logical.lbColor;
 }
 
 Fill FillWithGaps(const Context& context, const Brush& brush, BinaryOperation operation, Ink gap) {

@@ -8,8 +8,6 @@
 
 namespace Zelkor::Platform {
 
-inline constexpr BinaryOperation kCover = 0b1100, kInvert = 0b0101;
-
 Ink InkFrom(const Context& context, COLORREF color, BinaryOperation operation);
 
 // What is selected, in the context's mode; nothing for pens and brushes that do not draw.

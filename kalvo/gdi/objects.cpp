@@ -88,8 +88,10 @@ public:
         AddPen(WHITE_PEN, PS_SOLID, 255);
         AddPen(BLACK_PEN, PS_SOLID, 0);
         AddPen(NULL_PEN, PS_NULL, 0);
-        Add(DC_BRUSH, new Brush({BS_SOLID, RGB(255, 255, 255), 0}));
-        Add(DC_PEN, new Pen({PS_SOLID, {1, 0}, RGB(0, 0, 0)}));
+        AddBrush(DC_BRUSH, BS_SOLID, 255);
+        static_cast<Brush*>(At(DC_BRUSH))->hasContextColor = true;
+        AddPen(DC_PEN, PS_SOLID, 0);
+        static_cast<Pen*>(At(DC_PEN))->hasContextColor = true;
         AddFont(SYSTEM_FONT, 16, 700, "System");
         AddFont(DEVICE_DEFAULT_FONT, 16, 700, "System");
         AddFont(DEFAULT_GUI_FONT, -11, 400, "sans-serif");

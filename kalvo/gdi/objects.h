@@ -39,6 +39,7 @@ struct Pen final : GdiObject {
     int Width() const { return logical.lopnWidth.x > 1 ? logical.lopnWidth.x : 1; }
 
     const LOGPEN logical;
+    bool hasContextColor = false;
 };
 
 struct Brush final : GdiObject {
@@ -47,6 +48,7 @@ struct Brush final : GdiObject {
     bool Draws() const { return logical.lbStyle != BS_NULL; }
 
     const LOGBRUSH logical;
+    bool hasContextColor = false;
 };
 
 struct Font final : GdiObject {

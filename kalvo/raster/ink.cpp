@@ -41,6 +41,7 @@ void CombinePixels(Bgrx32Access, std::uint8_t* row, int x0, int x1, Ink ink) {
 }  // namespace
 
 Ink InkOf(BinaryOperation operation, RawPixel color, PixelLayout layout) {
+    if (operation == kCover) return color;
     const auto everywhere = [&](unsigned bit) { return operation >> bit & 1 ? ~RawPixel{0} : 0; };
     const RawPixel whereClear = (~color & everywhere(0)) | (color & everywhere(2));
     const RawPixel whereSet = (~color & everywhere(1)) | (color & everywhere(3));

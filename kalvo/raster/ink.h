@@ -24,6 +24,7 @@ inline constexpr Ink kNoInk{~RawPixel{0}, 0};
 
 // A function of a bit of a colour and one of a pixel, as its four values: bit 2 * color + pixel of this.
 using BinaryOperation = unsigned;
+inline constexpr BinaryOperation kCover = 0b1100, kInvert = 0b0101;
 
 Ink InkOf(BinaryOperation operation, RawPixel color, PixelLayout layout);
 

@@ -109,16 +109,21 @@ std::int64_t CountSteps(Position from, Position to) {
 void PaintLine(const Surface& surface, Position from, Position to, Ink ink) {
     if (from.y == to.y) {
         const Span columns = from.x <= to.x ? Span{from.x, to.x} : Span{to.x + 1, from.x + 1};
-        return PaintBox(surface, {columns.begin, from.y, columns.end, from.y + 1}, ink);
+        return ForVisibleRows(surface, {from.y, from.y + 1}, [&](int y) {
+            ForVisibleSpans(surface, y, columns, [&](int x0, int x1) { ApplyInk(surface, y, x0, x1, ink); });
+        });
     }
     const Steps line(from, to);
     const Span steps = VisibleSteps(surface, line, from, to);
     if (steps.IsEmpty()) return;
     if (!ink.Covers() || !IsClippedByBox(surface))
         return WalkSteps(line, steps, 1, [&](int x, std::ptrdiff_t y) { PaintPoint(surface, {x, y}, ink); });
+    // Copies: what is stored might else change what is referred to, as far as the compiler knows.
     WithPixels(surface.layout, [&](auto access) {
         WalkSteps(line, steps, surface.pitchBytes,
-                  [&](int x, std::ptrdiff_t row) { access.Store(surface.topRow + row, x, ink.flip); });
+                  [access, topRow = surface.topRow, pixel = ink.flip](int x, std::ptrdiff_t row) {
+                      access.Store(topRow + row, x, pixel);
+                  });
     });
 }
 
