@@ -34,14 +34,15 @@ FileContents LoadImageFile(const std::string& path) {
     return contents;
 }
 
-// The archived types of images, and those of regions, number the pixel types in the order of `PixelTypes`.
+// The archived types of images, and those of regions, number the pixel types in the order of their list.
 Object MakeObject(KxSerializer::ObjectType type) {
     Object object;
     int index = 0;
-    ForFirstPixel<Zelkor::Kalvo::PixelTypes>([&]<class Pixel>(std::type_identity<Pixel>) {
+    ForFirstPixel<Zelkor::Kalvo::ArchivedPixelTypes>([&]<class Pixel>(std::type_identity<Pixel>) {
         if (type == KxSerializer::ImageBW1 + index) object = std::make_unique<KxImage<Pixel>>();
         if (type == KxSerializer::ROIBW1 + index) object = std::make_unique<KxROI<Pixel>>();
-        return object || ++index > KxSerializer::ImageRaw96 - KxSerializer::ImageBW1;
+        ++index;
+        return object != nullptr;
     });
     if (!object) throw Failure::Of(KX_ERROR_WRONG_OBJECT_TYPE);
     return object;

@@ -23,16 +23,14 @@ KxSerializer::ObjectType PeekChildType(KxSerializer& stream) {
     }
 }
 
-template <std::size_t... index>
-constexpr auto MakeClassTable(std::index_sequence<index...>) {
-    return std::array{
-        &RecordTransfer::ClassOf<KxImage<std::tuple_element_t<index, PixelTypes>>>...,
-        &RecordTransfer::ClassOf<KxROI<std::tuple_element_t<index, PixelTypes>>>...,
-    };
+template <class... Pixels>
+constexpr auto MakeClassTable(std::type_identity<std::tuple<Pixels...>>) {
+    return std::array{&RecordTransfer::ClassOf<KxImage<Pixels>>...,
+                      &RecordTransfer::ClassOf<KxROI<Pixels>>...};
 }
 
 // In the order of the object types, images first.
-constexpr auto kClasses = MakeClassTable(std::make_index_sequence<kNumArchivedPixelTypes>());
+constexpr auto kClasses = MakeClassTable(std::type_identity<ArchivedPixelTypes>());
 
 }  // namespace
 

@@ -22,23 +22,20 @@ struct ArchivedClass {
     void (*transferFields)(KxGenericROI&, KxSerializer&, unsigned version);  // what follows the placement
 };
 
-// The first so many of PixelTypes have object types.
-inline constexpr std::size_t kNumArchivedPixelTypes = std::tuple_size_v<PixelTypes> - 2;
-
-template <class Pixel, std::size_t index = 0>
-constexpr std::size_t IndexOfPixelType() {
-    if constexpr (std::is_same_v<Pixel, std::tuple_element_t<index, PixelTypes>>)
-        return index;
-    else
-        return IndexOfPixelType<Pixel, index + 1>();
+// The position of a pixel type in the tuple; the number of its types when it is none of them.
+template <class Pixel, class... Pixels>
+constexpr std::size_t IndexIn(std::type_identity<std::tuple<Pixels...>>) {
+    std::size_t index = 0;
+    static_cast<void>(((std::is_same_v<Pixel, Pixels> || (++index, false)) || ...));
+    return index;
 }
 
 // The object type of KxROI<Pixel> or KxImage<Pixel>; NoObject for the pixel types that have none.
 template <class Object>
 constexpr KxSerializer::ObjectType ObjectTypeOf() {
     using Pixel = typename Object::PixelType;
-    constexpr std::size_t kIndex = IndexOfPixelType<Pixel>();
-    if (kIndex >= kNumArchivedPixelTypes) return KxSerializer::NoObject;
+    constexpr std::size_t kIndex = IndexIn<Pixel>(std::type_identity<ArchivedPixelTypes>());
+    if (kIndex == std::tuple_size_v<ArchivedPixelTypes>) return KxSerializer::NoObject;
     const int first = std::is_same_v<Object, KxImage<Pixel>> ? KxSerializer::ImageBW1 : KxSerializer::ROIBW1;
     return static_cast<KxSerializer::ObjectType>(first + static_cast<int>(kIndex));
 }

@@ -4,6 +4,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -57,6 +58,11 @@ std::int64_t SizeOf(std::FILE* stream) {
     if (position < 0 || fseeko(stream, 0, SEEK_END) != 0) return -1;
     const std::int64_t size = Position(stream);
     return Seek(stream, position) ? size : -1;
+}
+
+std::optional<std::uint64_t> BytesLeft(std::FILE* stream, std::int64_t size) {
+    if (size < 0) return std::nullopt;
+    return static_cast<std::uint64_t>(std::max<std::int64_t>(size - Position(stream), 0));
 }
 
 }  // namespace Zelkor::Platform

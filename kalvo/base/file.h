@@ -44,4 +44,7 @@ inline bool Seek(std::FILE* stream, std::int64_t position) { return fseeko(strea
 // Size of the whole file, leaving the position where it is; -1 when the stream has no size.
 std::int64_t SizeOf(std::FILE* stream);
 
+// Bytes from the current position to the end of a file of `size` bytes; nothing when the stream has no size.
+std::optional<std::uint64_t> BytesLeft(std::FILE* stream, std::int64_t size);
+
 }  // namespace Zelkor::Platform

@@ -51,9 +51,9 @@ std::uint32_t TiffNumbers::Next() {
     const std::uint8_t* bytes = m_piece.data() + index * size;
     switch (m_field.type) {
     case TiffType::Short:
-        return m_bigEndian ? LoadBigEndian<std::uint16_t>(bytes) : LoadLittleEndian<std::uint16_t>(bytes);
+        return Load<std::uint16_t>(bytes, m_bigEndian);
     case TiffType::Long:
-        return m_bigEndian ? LoadBigEndian<std::uint32_t>(bytes) : LoadLittleEndian<std::uint32_t>(bytes);
+        return Load<std::uint32_t>(bytes, m_bigEndian);
     default:
         return *bytes;
     }

@@ -79,7 +79,7 @@ private:
 
     template <class Value>
     Value Load(std::span<const std::uint8_t> bytes) const {
-        return m_bigEndian ? LoadBigEndian<Value>(bytes.data()) : LoadLittleEndian<Value>(bytes.data());
+        return Kalvo::Load<Value>(bytes.data(), m_bigEndian);
     }
 
     const ImageFileReader& m_file;

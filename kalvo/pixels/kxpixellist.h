@@ -25,8 +25,11 @@
 
 namespace Zelkor::Kalvo {
 
-/// In the order of the object types that archives give them; the last two have none.
-using PixelTypes = std::tuple<KxBW1, KxBW8, KxBW16, KxBW32, KxC15, KxC16, KxC24, KxYUY2, KxC24A, KxSubPixel64,
-                              KxComplex64, KxRaw32, KxRaw96, KxFLOAT32, KxFLOAT64>;
+/// Those that archives hold, in the order of the object types that they give them.
+using ArchivedPixelTypes = std::tuple<KxBW1, KxBW8, KxBW16, KxBW32, KxC15, KxC16, KxC24, KxYUY2, KxC24A,
+                                      KxSubPixel64, KxComplex64, KxRaw32, KxRaw96>;
+
+/// All of them.
+using PixelTypes = decltype(std::tuple_cat(ArchivedPixelTypes(), std::tuple<KxFLOAT32, KxFLOAT64>()));
 
 }  // namespace Zelkor::Kalvo

@@ -12,17 +12,13 @@ std::uint8_t TransferByte(KxSerializer& stream, std::uint8_t value, const char* 
     return value;
 }
 
-std::uint8_t ChecksumOf(KxSerializer::ObjectType type, unsigned version) {
-    return static_cast<std::uint8_t>(kArchiveSignature ^ static_cast<unsigned>(type) ^ version);
-}
-
 }  // namespace
 
 void WriteHeader(KxSerializer& stream, KxSerializer::ObjectType type, unsigned version) {
     TransferByte(stream, kArchiveSignature, "fileSig");
     TransferByte(stream, static_cast<std::uint8_t>(type), "objType");
     TransferByte(stream, static_cast<std::uint8_t>(version), "objVersion");
-    TransferByte(stream, ChecksumOf(type, version), "checkSum");
+    TransferByte(stream, HeaderChecksum(type, version), "checkSum");
 }
 
 KxSerializer::ObjectType ReadObjectType(KxSerializer& stream) {
@@ -33,7 +29,7 @@ KxSerializer::ObjectType ReadObjectType(KxSerializer& stream) {
 unsigned ReadObjectVersion(KxSerializer& stream) { return TransferByte(stream, 0, "objVersion"); }
 
 void ReadChecksum(KxSerializer& stream, KxSerializer::ObjectType type, unsigned version) {
-    if (TransferByte(stream, 0, "checkSum") != ChecksumOf(type, version))
+    if (TransferByte(stream, 0, "checkSum") != HeaderChecksum(type, version))
         throw Exception(KX_ERROR_BAD_FILE_FORMAT);
 }
 

@@ -10,6 +10,10 @@ namespace Zelkor::Kalvo {
 
 inline constexpr std::uint8_t kArchiveSignature = 0x4B;
 
+constexpr std::uint8_t HeaderChecksum(unsigned type, unsigned version) {
+    return static_cast<std::uint8_t>(kArchiveSignature ^ type ^ version);
+}
+
 // Writes a header.
 void WriteHeader(KxSerializer& stream, KxSerializer::ObjectType type, unsigned version);
 

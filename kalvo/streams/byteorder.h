@@ -31,6 +31,11 @@ constexpr Value LoadBigEndian(const std::uint8_t* bytes) {
 }
 
 template <std::integral Value>
+constexpr Value Load(const std::uint8_t* bytes, bool isBigEndian) {
+    return isBigEndian ? LoadBigEndian<Value>(bytes) : LoadLittleEndian<Value>(bytes);
+}
+
+template <std::integral Value>
 void AppendLittleEndian(std::vector<std::uint8_t>& bytes, Value value) {
     bytes.resize(bytes.size() + sizeof(Value));
     StoreLittleEndian(bytes.data() + bytes.size() - sizeof(Value), value);

@@ -35,7 +35,7 @@ unsigned int ShortPositionOf(std::FILE* file) {
 
 bool IsAtEnd(std::FILE* file, std::int64_t size) {
     if (!file) return true;
-    if (size >= 0) return Platform::Position(file) >= size;
+    if (const auto left = Platform::BytesLeft(file, size)) return *left == 0;
     // A pipe has no size: only its next byte tells.
     const int next = std::getc(file);
     return next == EOF || std::ungetc(next, file) == EOF;

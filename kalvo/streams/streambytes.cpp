@@ -18,8 +18,7 @@ constexpr std::uint64_t kLargestTransfer = std::uint64_t{1} << 30;
 
 std::uint64_t BytesLeftInFile(std::FILE* file, std::int64_t size) {
     if (!file) return 0;
-    if (size < 0) return kUnknown;
-    return static_cast<std::uint64_t>(std::max<std::int64_t>(size - Platform::Position(file), 0));
+    return Platform::BytesLeft(file, size).value_or(kUnknown);
 }
 
 template <class Value>

@@ -12,6 +12,7 @@
 
 #include "kalvo/base/file.h"
 #include "kalvo/frame/kxexception.h"
+#include "kalvo/streams/archiveheader.h"
 #include "kalvo/streams/byteorder.h"
 #include "kalvo/vectors/kxvector.h"
 
@@ -36,9 +37,8 @@ using VectorFileHeader = std::array<std::uint8_t, 4>;
 
 template <class T>
 constexpr VectorFileHeader MakeVectorFileHeader(std::uint8_t version) {
-    constexpr std::uint8_t kSignature = 0x4B;
     constexpr std::uint8_t kCode = kVectorTypeCode<T>;
-    return {kSignature, kCode, version, static_cast<std::uint8_t>(kSignature ^ kCode ^ version)};
+    return {kArchiveSignature, kCode, version, HeaderChecksum(kCode, version)};
 }
 
 // How elements stand in a file: as they lie in memory, in every version.
@@ -109,13 +109,6 @@ void WriteElements(std::FILE* stream, const KxVectorTemplate<T>& vector, unsigne
     if (format.Write(stream, elements) != elements.size()) throw Exception(KX_ERROR_FILE_WRITE);
 }
 
-// Bytes from here to the end of the file; nothing for pipes and the like, which do not tell.
-inline std::optional<std::uint64_t> BytesLeft(std::FILE* stream) {
-    const std::int64_t size = Platform::SizeOf(stream);
-    if (size < 0) return std::nullopt;
-    return static_cast<std::uint64_t>(std::max<std::int64_t>(size - Platform::Position(stream), 0));
-}
-
 // Bytes that a count may declare when `present` bytes are known to exist. A file cut short keeps its count,
 // but a forged count of 4 GiB must cost a comparison, not memory.
 constexpr std::uint64_t BelievableBytes(std::uint64_t present) {
@@ -139,7 +132,7 @@ void ReadElements(std::FILE* stream, KxVectorTemplate<T>& vector, unsigned versi
     const ElementFormat<T> format(version);
     const std::uint64_t elementBytes = format.BytesPerElement();
     const auto declared = LoadLittleEndian<std::uint32_t>(ReadBytes<4>(stream).data());
-    const std::optional<std::uint64_t> left = BytesLeft(stream);
+    const std::optional<std::uint64_t> left = Platform::BytesLeft(stream, Platform::SizeOf(stream));
     vector.Empty();
     if (left && declared * elementBytes > BelievableBytes(*left)) throw Exception(KX_ERROR_ALLOCATION);
 
