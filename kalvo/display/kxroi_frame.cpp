@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kHandleReach = 4;  // pixels of the surface
 
-/// How pixels of the image become pixels of the surface along one axis, and back.
+// How pixels of the image become pixels of the surface along one axis, and back.
 struct Mapping {
     float zoom;
     float pan;
@@ -45,7 +45,7 @@ struct Place {
     int y;
 };
 
-/// A rectangle on the surface. Wide numbers, so that adding to them never overflows.
+// A rectangle on the surface. Wide numbers, so that adding to them never overflows.
 struct FrameBox {
     std::int64_t left;
     std::int64_t top;
@@ -73,7 +73,7 @@ struct FrameBox {
 
     bool Contains(int x, int y) const { return left <= x && x <= right && top <= y && y <= bottom; }
 
-    /// The point where a handle sits: its column and row on a grid of 0 (left, top), 1 (middle) and 2.
+    // The point where a handle sits: its column and row on a grid of 0 (left, top), 1 (middle) and 2.
     Place HandleAt(int column, int row) const {
         const std::int64_t columns[] = {left, (left + right) / 2, right};
         const std::int64_t rows[] = {top, (top + bottom) / 2, bottom};
@@ -121,7 +121,7 @@ KX_HANDLES FindHandle(const FrameBox& box, int x, int y) {
     return box.Contains(x, y) ? KX_HANDLE_INSIDE : KX_HANDLE_NONE;
 }
 
-/// The side that a handle moves along one axis.
+// The side that a handle moves along one axis.
 enum class Side { None, Near, Far };
 
 Side HorizontalSide(KX_HANDLES handle) {
@@ -136,15 +136,15 @@ Side VerticalSide(KX_HANDLES handle) {
     return Side::None;
 }
 
-/// A region before it is dragged, along one axis in the top image: first pixel, and the one after the last.
+// A region before it is dragged, along one axis in the top image: first pixel, and the one after the last.
 struct Stretch {
     std::int64_t begin;
     std::int64_t end;
 };
 
-/// Moves one side of a region, and leaves the other where it is.
-/// @param origin  of the region in its parent, as it is now
-/// @param least   the parent's own origin, before which no side is moved
+// Moves one side of a region, and leaves the other where it is.
+// @param origin  of the region in its parent, as it is now
+// @param least   the parent's own origin, before which no side is moved
 void DragSide(RegionBase& region, Side side, const Stretch& stretch, int pointer, int origin, int least,
               void (RegionBase::*setOrigin)(int), void (RegionBase::*setSize)(int)) {
     if (side == Side::Far)
@@ -155,7 +155,7 @@ void DragSide(RegionBase& region, Side side, const Stretch& stretch, int pointer
     (region.*setSize)(ClampToInt(stretch.end - begin));
 }
 
-/// Where the pointer counts while it drags a whole region: at most at the far end, moved by the anchor.
+// Where the pointer counts while it drags a whole region: at most at the far end, moved by the anchor.
 std::int64_t LimitedPointer(int pointer, int anchor, std::int64_t end) {
     return std::max<std::int64_t>(std::min<std::int64_t>(pointer, anchor + end - 1), 0);
 }

@@ -28,9 +28,9 @@ std::string DigitsSample(double value) {
     return {kDigits, static_cast<std::size_t>(std::clamp(digits, 1, 19)) + 1};
 }
 
-/// Ticks at the multiples of a step, which is 1, 2 or 5 times a power of ten.
+// Ticks at the multiples of a step, which is 1, 2 or 5 times a power of ten.
 struct Ticks {
-    /// As many as `room` pixels have place for, if each takes `size` pixels.
+    // As many as `room` pixels have place for, if each takes `size` pixels.
     Ticks(std::int64_t room, std::int64_t size, double range)
         : most(std::clamp<std::int64_t>(room / std::max<std::int64_t>(size, 1), 1, kMostTicks)) {
         for (int i = 0; i < kMostStepChanges && static_cast<double>(most) * step < range; ++i)

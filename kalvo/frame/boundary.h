@@ -9,14 +9,14 @@
 
 namespace Zelkor::Kalvo {
 
-/// The code of the exception being handled: its own, 1303 when memory ran out, `unexpected` for any other.
+// The code of the exception being handled: its own, 1303 when memory ran out, `unexpected` for any other.
 KX_ERRORS CurrentExceptionError(KX_ERRORS unexpected) noexcept;
 
-/// Stores the code of the exception being handled, then traces under `traceName` unless that is null.
+// Stores the code of the exception being handled, then traces under `traceName` unless that is null.
 void ReportCurrentException(const char* traceName, KX_ERRORS unexpected) noexcept;
 
-/// Runs `operation` and returns its result. When it throws, the code is stored and traced, and the neutral
-/// result (0, null, false) returned.
+// Runs `operation` and returns its result. When it throws, the code is stored and traced, and the neutral
+// result (0, null, false) returned.
 template <class Operation>
 auto AtBoundary(const char* traceName, Operation&& operation,
                 KX_ERRORS unexpected = KX_ERROR_INTERNAL) noexcept -> std::invoke_result_t<Operation> {
@@ -28,7 +28,7 @@ auto AtBoundary(const char* traceName, Operation&& operation,
     return std::invoke_result_t<Operation>();
 }
 
-/// As `AtBoundary`, for an operation that traces its own name inside another: the exception goes on.
+// As `AtBoundary`, for an operation that traces its own name inside another: the exception goes on.
 template <class Operation>
 auto AtTracePoint(const char* traceName, Operation&& operation) -> std::invoke_result_t<Operation> {
     try {
@@ -39,7 +39,7 @@ auto AtTracePoint(const char* traceName, Operation&& operation) -> std::invoke_r
     }
 }
 
-/// Stores `error` and traces it: a failure that needs no unwinding.
+// Stores `error` and traces it: a failure that needs no unwinding.
 inline void Report(KX_ERRORS error, const char* traceName) {
     KxSetError(error);
     KxTraceError(traceName);

@@ -1,5 +1,6 @@
 // Which bitmap headers the library draws, where the rows behind them are, and bitmaps with memory of their
 // own.
+
 #include "kalvo/gdi/dibformat.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Forms of bitmaps: what a header says of the pixels behind it, and bitmaps made after one or like a device.
 #pragma once
+// Forms of bitmaps: what a header says of the pixels behind it, and bitmaps made after one or like a device.
 
 #include <memory>
 #include <optional>

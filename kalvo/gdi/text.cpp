@@ -1,4 +1,5 @@
 // Texts: lines placed by a point or a rectangle, and measured.
+
 #include <algorithm>
 #include <limits>
 #include <string_view>

@@ -8,17 +8,17 @@
 
 namespace Zelkor::Kalvo {
 
-/// Works on what regions of all pixel types share; pixels are copied by the class of the image.
+// Works on what regions of all pixel types share; pixels are copied by the class of the image.
 class RegionCopy {
 public:
-    /// Copies the fields of `source` to `copy`, a fresh object, and with `recursive` its descendants, except
-    /// `excluded` and those below it. Until `Place` the copies belong to `copy`. Throws KX_ERROR_ALLOCATION.
+    // Copies the fields of `source` to `copy`, a fresh object, and with `recursive` its descendants, except
+    // `excluded` and those below it. Until `Place` the copies belong to `copy`. Throws KX_ERROR_ALLOCATION.
     static void Build(const RegionBase& source, RegionBase& copy, bool recursive,
                       const KxGenericROI* excluded = nullptr);
-    /// Puts a built copy below the parent of `source`.
+    // Puts a built copy below the parent of `source`.
     static void Place(const RegionBase& source, RegionBase& copy) noexcept;
-    /// Lets `destination` take what a built copy has, below the parent of `source`. Children of its own are
-    /// detached.
+    // Lets `destination` take what a built copy has, below the parent of `source`. Children of its own are
+    // detached.
     static void Replace(const RegionBase& source, RegionBase& copy, RegionBase& destination) noexcept;
 
 private:
@@ -29,7 +29,7 @@ private:
     static std::unique_ptr<RegionBase> CloneOf(const KxGenericROI& node);
 };
 
-/// Whether `region` is of a class of the library's own that has no pixels.
+// Whether `region` is of a class of the library's own that has no pixels.
 bool IsPlainRegion(const KxGenericROI& region);
 
 }  // namespace Zelkor::Kalvo

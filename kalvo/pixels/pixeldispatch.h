@@ -7,8 +7,8 @@
 
 namespace Zelkor::Kalvo {
 
-/// Calls operation.operator()<Pixel>() for the pixel type with that number and returns its result; a default
-/// value when there is none.
+// Calls operation.operator()<Pixel>() for the pixel type with that number and returns its result; a default
+// value when there is none.
 template <class Operation>
 auto WithPixelType(KX_IMAGE_TYPES type, const Operation& operation) {
     std::invoke_result_t<decltype(&Operation::template operator()<KxBW8>), const Operation&> result{};

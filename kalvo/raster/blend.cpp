@@ -1,4 +1,5 @@
 // Mixing pixels of two surfaces: all in one proportion, or each in its own.
+
 #include <cstring>
 #include <vector>
 

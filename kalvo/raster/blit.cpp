@@ -1,4 +1,5 @@
 // Copying between surfaces, as pixels are or bit by bit.
+
 #include "kalvo/raster/blit.h"
 
 #include <vector>

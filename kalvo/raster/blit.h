@@ -1,9 +1,9 @@
+#pragma once
 // Copies a rectangle of one surface to another: clipped, stretched, mirrored, converted, combined, mixed.
 //
 // Destination pixels without a source pixel inside the source stay as they are. Both surfaces may share
 // memory: all is as if the source were read first. Memory for a row of what is visible is all this takes,
 // and for a part of the source where it is stretched over itself.
-#pragma once
 
 #include "kalvo/raster/blitaxis.h"
 #include "kalvo/raster/ink.h"

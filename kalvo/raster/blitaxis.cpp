@@ -1,4 +1,5 @@
 // Clips the two rectangles of a copy in one direction, and finds source pixels.
+
 #include "kalvo/raster/blitaxis.h"
 
 #include <algorithm>

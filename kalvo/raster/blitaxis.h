@@ -1,5 +1,5 @@
-// One direction of a copy between rectangles: which pixels take which, and what of them can be seen.
 #pragma once
+// One direction of a copy between rectangles: which pixels take which, and what of them can be seen.
 
 #include <cstdint>
 #include <vector>

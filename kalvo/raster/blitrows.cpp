@@ -1,4 +1,5 @@
 // Which copies overwrite what they have yet to read.
+
 #include "kalvo/raster/blitrows.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
+#pragma once
 // The rows of a copy between surfaces that may be one and the same: every pixel is read before it is
 // overwritten.
-#pragma once
 
 #include <vector>
 

@@ -1,5 +1,6 @@
 // Converts rows of pixels. A row goes in pieces through words of 32 bits: one loop per layout loads them and
 // one stores them, instead of a loop for every pair.
+
 #include "kalvo/raster/convert.h"
 
 #include <algorithm>

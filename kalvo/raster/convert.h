@@ -1,5 +1,5 @@
-// Rows of pixels from one layout and colour table into another.
 #pragma once
+// Rows of pixels from one layout and colour table into another.
 
 #include <optional>
 #include <span>

@@ -1,4 +1,5 @@
 // Asks Fontconfig for the files of a kind of letters.
+
 #include "kalvo/raster/fontfiles.h"
 
 #include <fontconfig/fontconfig.h>

@@ -1,5 +1,5 @@
-// Finds the files of a kind of letters on this machine.
 #pragma once
+// Finds the files of a kind of letters on this machine.
 
 #include <array>
 #include <cstdint>

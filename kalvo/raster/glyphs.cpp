@@ -1,4 +1,5 @@
 // Faces and glyphs: opening a file at a size, glyphs as runs of pixels, what is kept.
+
 #include "kalvo/raster/glyphs.h"
 
 #include <ft2build.h>

@@ -1,6 +1,6 @@
+#pragma once
 // Finds the face that a font asks for, and makes the pixels of its characters: black or nothing, hinted to
 // the grid. Both are kept for all contexts and threads, within bounds.
-#pragma once
 
 #include <array>
 #include <atomic>

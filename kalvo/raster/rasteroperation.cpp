@@ -1,4 +1,5 @@
 // Evaluates all 256 operations in one way.
+
 #include "kalvo/raster/rasteroperation.h"
 
 #include <cstring>

@@ -1,5 +1,5 @@
-// Ternary raster operations: what pixels become of a pattern, a source and themselves, bit by bit.
 #pragma once
+// Ternary raster operations: what pixels become of a pattern, a source and themselves, bit by bit.
 
 #include <cstddef>
 #include <cstdint>

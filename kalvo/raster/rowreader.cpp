@@ -1,4 +1,5 @@
 // Takes pixels out of rows, one loop for each size of pixels.
+
 #include "kalvo/raster/rowreader.h"
 
 #include <cstring>

@@ -1,5 +1,5 @@
-// Brings rows of a source into the layout of a destination, stretched.
 #pragma once
+// Brings rows of a source into the layout of a destination, stretched.
 
 #include <span>
 #include <vector>

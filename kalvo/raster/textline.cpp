@@ -1,4 +1,5 @@
 // Characters of a line and their glyphs, drawn in its direction.
+
 #include "kalvo/raster/textline.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// One line of text: which bytes are which characters, how wide it is, its pixels.
 #pragma once
+// One line of text: which bytes are which characters, how wide it is, its pixels.
 
 #include <optional>
 #include <string_view>

@@ -1,4 +1,5 @@
 // Angles in fixed point, and boxes at an angle.
+
 #include "kalvo/raster/turn.h"
 
 #include <algorithm>

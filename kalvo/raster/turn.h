@@ -1,6 +1,6 @@
+#pragma once
 // What is drawn at an angle: lines of text, each in a frame of its own whose x runs along the line and whose
 // y runs down from it.
-#pragma once
 
 #include "kalvo/raster/lines.h"
 

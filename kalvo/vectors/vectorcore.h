@@ -6,14 +6,14 @@
 
 namespace Zelkor::Kalvo {
 
-/// Each throws KX_ERROR_ALLOCATION, traced as the exported operation traces it; the vector is then unchanged.
+// Each throws KX_ERROR_ALLOCATION, traced as the exported operation traces it; the vector is then unchanged.
 template <class T>
 struct VectorCore {
     using Vector = KxVectorTemplate<T>;
 
     static void SetCapacity(Vector& vector, unsigned capacity, bool keep = true);
     static void SetCount(Vector& vector, unsigned count);
-    /// Doubles the capacity.
+    // Doubles the capacity.
     static void Grow(Vector& vector, const char* traceName);
     static void Append(Vector& vector, const T& value);
     static void Assign(Vector& vector, const Vector& source);

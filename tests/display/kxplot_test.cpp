@@ -2,16 +2,13 @@
 
 #include "kalvo/display/kxplot.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 
 #include "kalvo/display/kxpixelvector.h"
-#include "kalvo/frame/kxerror.h"
 #include "tests/support/picture.h"
 #include "tests/support/recording_surface.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
@@ -28,7 +25,7 @@ Vector Make(std::initializer_list<long> values, int isUnsigned) {
     return vector;
 }
 
-/// The texts among what was drawn.
+// The texts among what was drawn.
 Calls TextsOf(const RecordingSurface& surface) {
     Calls texts;
     for (const std::string& call : surface.calls)

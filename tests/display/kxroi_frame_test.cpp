@@ -1,14 +1,12 @@
 // Frames and handles of regions: what is drawn, found and dragged.
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 #include <limits>
 
 #include "kalvo/image/kximage.h"
 #include "tests/support/recording_surface.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

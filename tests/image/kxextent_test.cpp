@@ -1,4 +1,5 @@
 // Observable extents and their lists: values, order of calls, listeners that interfere with a broadcast.
+
 #include "kalvo/image/kxextent.h"
 
 #include <gtest/gtest.h>

@@ -2,13 +2,11 @@
 
 #include "kalvo/image/kxgenericroi.h"
 
-#include <gtest/gtest.h>
-
 #include <sstream>
 
 #include "kalvo/image/kximage.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
@@ -37,7 +35,7 @@ TEST(RegionTree, AddsOriginsUpToTheTopImage) {
     EXPECT_EQ(inner.GetTotalWidth(), 100);
     EXPECT_EQ(detached.GetTotalWidth(), 0);
     EXPECT_EQ(KxGetError(), KX_ERROR_ROI_HAS_NO_PARENT);
-    EXPECT_EQ(trace.Functions(), (std::vector<std::string>{"KxROI::GetTopParent", "KxROI::GetTotalWidth"}));
+    EXPECT_EQ(trace.Functions(), (Names{"KxROI::GetTopParent", "KxROI::GetTotalWidth"}));
 }
 
 TEST(RegionTexts, AreKeptApartInTheirTwoForms) {
@@ -64,8 +62,8 @@ TEST(RegionChecks, StoreAndReturnTheirCodes) {
     EXPECT_EQ(deep.PermittedDepth(2 | 4), 0);
     EXPECT_EQ(deep.PermittedDepth(2 | 8), KX_ERROR_INVALID_DEPTH);
     EXPECT_EQ(wide.PermittedDataType(2), KX_ERROR_INVALID_DATA_TYPE);
-    EXPECT_EQ(trace.Functions(), (std::vector<std::string>{"KxROI::SameDepth", "KxROI::PermittedDepth",
-                                                           "KxROI::PermittedDataType"}));
+    EXPECT_EQ(trace.Functions(),
+              (Names{"KxROI::SameDepth", "KxROI::PermittedDepth", "KxROI::PermittedDataType"}));
     EXPECT_EQ(wide.SameSizeDepthType(&deep, 2, 1), KX_ERROR_DEPTH_MISMATCH);
     EXPECT_EQ(trace.Functions().back(), "KxROI::SameSizeDepthType");
 }

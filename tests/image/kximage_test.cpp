@@ -2,15 +2,13 @@
 
 #include "kalvo/image/kximage.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <tuple>
 
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
 #include "tests/support/short_memory.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
@@ -82,7 +80,7 @@ TEST(ImageSize, RefusesWhatCannotBe) {
         EXPECT_EQ(KxGetError(), code) << width << " x " << height;
         EXPECT_EQ(refusing->GetExtent(), GenericRoiExtent(0, 0, 5, 5));
     }
-    EXPECT_EQ(trace.Functions(), std::vector<std::string>(std::size(kSizes), "KxImage::SetSize"));
+    EXPECT_EQ(trace.Functions(), Names(std::size(kSizes), "KxImage::SetSize"));
 }
 
 TEST(ImageWrapping, TakesTheCallersRows) {
@@ -179,7 +177,7 @@ TEST(ImageSwap, ExchangesPixelsOfTheSameSize) {
     KxSwapImages(&a, &b);
     KxSwapImages(&a, &c);
     EXPECT_EQ(KxGetError(), KX_ERROR_SIZE_MISMATCH);
-    EXPECT_EQ(trace.Functions(), std::vector<std::string>{"KxSwapImages ( C24)"});
+    EXPECT_EQ(trace.Functions(), Names{"KxSwapImages ( C24)"});
     EXPECT_EQ(a.GetPixel(1, 1), KxBlue24);
     EXPECT_EQ(b.GetPixel(1, 1), KxRed24);
 }
@@ -196,8 +194,7 @@ TEST(ImagePixelSize, IsSharedByItsRegionsAndNeverZero) {
     KxOk();
     image.SetPixelDimensions(0, 0, &KxUnit_cm);
     EXPECT_EQ(KxGetError(), KX_ERROR_PIXELS_FINITE_SIZE);
-    EXPECT_EQ(trace.Functions(),
-              (std::vector<std::string>{"KxGenericImage::SetResolution", "KxImage::SetPixelDimensions"}));
+    EXPECT_EQ(trace.Functions(), (Names{"KxGenericImage::SetResolution", "KxImage::SetPixelDimensions"}));
     image.GetPixelDimensions(x, y, unit);
     EXPECT_EQ(std::pair(x, y), std::pair(0.25f, 0.125f));
     EXPECT_STREQ(unit->GetName(), "mm");

@@ -1,12 +1,11 @@
 // Masks of regions: rectangles, ellipses, rings, offsets.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 
 #include "kalvo/image/kximage.h"
-#include "tests/support/trace_recorder.h"
+
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

@@ -2,7 +2,6 @@
 
 #include "kalvo/image/kxroi.h"
 
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <climits>
@@ -14,7 +13,7 @@
 #include "kalvo/frame/kxlibrary.h"
 #include "kalvo/image/kximage.h"
 #include "tests/support/pixel_types.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

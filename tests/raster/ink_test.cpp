@@ -1,4 +1,5 @@
 // Inks against single bits and steps, and shapes drawn with inks that do not cover.
+
 #include "kalvo/raster/ink.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // Regions against sets of single pixels, and every kind of drawing clipped by one.
+
 #include "kalvo/raster/region.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 // Shapes against slow rules that decide pixel by pixel, the pen's as 1, the brush's as 2; and the functions
 // that draw them.
+
 #include "kalvo/raster/shapes.h"
 
 #include <gtest/gtest.h>

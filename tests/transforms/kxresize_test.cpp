@@ -1,18 +1,15 @@
 // Resampling: which pixels are taken, which are left alone, and what is refused.
-#include "kalvo/transforms/kxresize.h"
 
-#include <gtest/gtest.h>
+#include "kalvo/transforms/kxresize.h"
 
 #include <limits>
 
 #include "tests/support/pixel_bytes.h"
 #include "tests/support/pixel_types.h"
-#include "tests/support/trace_recorder.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
-
-using Names = std::vector<std::string>;
 
 template <class Pixel>
 struct Resize : testing::Test {};
