@@ -8,6 +8,7 @@
 #include "kalvo/display/selected_object.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/roundtoint.h"
+#include "kalvo/image/imagecore.h"
 
 namespace Zelkor {
 
@@ -41,7 +42,7 @@ void Tint(const KxGenericROI& gray, const RGBColor& tint, KxImage<KxC24>& tinted
         };
         colors[g] = {component(tint.m_n32Red), component(tint.m_n32Green), component(tint.m_n32Blue)};
     }
-    SetTemporarySize(tinted, gray);
+    ImageCore::Resize(tinted, gray.GetWidth(), gray.GetHeight());
     const ConstRegionRows from = RowsOf(gray);
     for (int y = 0; y < from.height; ++y) {
         const std::uint8_t* row = from.Row(y);

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "kalvo/frame/kxexception.h"
+#include "kalvo/image/imagecore.h"
 #include "kalvo/image/regionrows.h"
 
 namespace Zelkor::Kalvo {
@@ -27,14 +28,8 @@ void TakeHighBytes(const ConstRegionRows& wide, const RegionRows& gray) {
 
 }  // namespace
 
-void SetTemporarySize(KxGenericROI& image, const KxGenericROI& region) {
-    image.SetSize(region.GetWidth(), region.GetHeight());
-    if (image.GetWidth() != region.GetWidth() || image.GetHeight() != region.GetHeight())
-        throw Exception(KxGetError());
-}
-
 void ReduceToGray(const KxGenericROI& region, KxImage<KxBW8>& gray) {
-    SetTemporarySize(gray, region);
+    ImageCore::Resize(gray, region.GetWidth(), region.GetHeight());
     const auto takeHighBytes =
         region.GetBitsPerPixel() == 16 ? TakeHighBytes<std::uint16_t> : TakeHighBytes<std::uint32_t>;
     takeHighBytes(RowsOf(region), RowsOf(gray));

@@ -9,7 +9,4 @@ namespace Zelkor::Kalvo {
 // Throws when there is no memory.
 void ReduceToGray(const KxGenericROI& region, KxImage<KxBW8>& gray);
 
-// Gives an image the size of a region, throwing the code that the image reported when it can't.
-void SetTemporarySize(KxGenericROI& image, const KxGenericROI& region);
-
 }  // namespace Zelkor::Kalvo

@@ -8,6 +8,7 @@
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/roundtoint.h"
+#include "kalvo/vectors/vectorcore.h"
 
 namespace {
 
@@ -39,12 +40,10 @@ template <class Level>
 void FillTable(KxBW8Vector& table, const char* traceName, const Level& level) {
     constexpr unsigned kLevels = 256;
     KxOk();
-    table.SetNumElements(kLevels);
-    if (KxFailure()) {
-        KxTraceError(traceName);
-        return;
-    }
-    for (unsigned i = 0; i < kLevels; ++i) table.GetDataPtr()[i] = level(i);
+    AtBoundary(traceName, [&] {
+        VectorCore<KxBW8>::SetCount(table, kLevels);
+        for (unsigned i = 0; i < kLevels; ++i) table.GetDataPtr()[i] = level(i);
+    });
 }
 
 std::uint8_t ClampedLevel(double value) {

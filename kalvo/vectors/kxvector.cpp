@@ -91,6 +91,7 @@ void VectorCore<T>::Swap(Vector& a, Vector& b) noexcept {
     std::swap(a.m_pData, b.m_pData);
 }
 
+template struct VectorCore<KxBW8>;
 template struct VectorCore<KxRun>;
 
 }  // namespace Zelkor::Kalvo
