@@ -46,7 +46,7 @@ HDC OpenImageDC(const KxGenericROI& image) {
         CopyPixels(RowsOf(image), BitmapRows(bits, bitmap.type, bitmap.width, bitmap.height),
                    bitmap.type.bitCount);
         if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_hImageDC = context.get();
-        section.release();  // it goes when the context is closed
+        static_cast<void>(section.release());  // it goes when the context is closed
         return context.release();
     });
 }

@@ -13,8 +13,6 @@
 namespace Zelkor::Platform {
 namespace {
 
-using Kernels::Active;
-
 constexpr int kPiece = 512;  // pixels; a piece of words stays in the nearest cache
 
 // Loading
