@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
 
 #include "kalvo/archive/recordtransfer.h"
 #include "kalvo/frame/checkedsize.h"
+#include "kalvo/image/pixelblock.h"
 #include "kalvo/image/regionrows.h"
 #include "kalvo/streams/streambytes.h"
 
@@ -75,11 +75,7 @@ std::int64_t RequireStorableRows(const KxImage<Pixel>& image) {
 template <class Pixel>
 void ResizeTo(KxImage<Pixel>& image, std::int32_t width, std::int32_t height, std::int64_t storedRowBytes,
               const KxSerializer& stream) {
-    // The limits of KxImage::SetSize: rows padded to 192 bits, less than 4 GiB of pixels.
-    constexpr int kBits = PixelTraits<Pixel>::kBitsPerPixel;
-    constexpr std::int64_t kMostRowBits = std::numeric_limits<std::int32_t>::max() / 192 * 192;
-    if (width < 0 || height < 0 || std::int64_t{width} * kBits > kMostRowBits ||
-        (std::int64_t{width} * height * (kBits / 8)) >> 32 != 0 ||
+    if (!PixelBlock::Fits(width, height, PixelTraits<Pixel>::kBitsPerPixel) ||
         storedRowBytes < UsefulRowBytes<Pixel>(width))
         throw Exception(KX_ERROR_BAD_FILE_FORMAT);
     RequireBytes(stream,

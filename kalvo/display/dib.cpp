@@ -49,8 +49,6 @@ int Scaled(int size, float zoom) { return zoom == 1 ? size : TruncateToInt(stati
 
 }  // namespace
 
-KX_IMAGE_TYPES TypeOf(const KxGenericROI& region) { return const_cast<KxGenericROI&>(region).GetType(); }
-
 const DibType* FindDibType(KX_IMAGE_TYPES type) {
     const auto* found = std::ranges::find(kDibTypes, type, &DibType::type);
     return found == std::end(kDibTypes) ? nullptr : found;

@@ -22,9 +22,6 @@ struct DibType {
     PaletteKind palette;
 };
 
-// The type of `region`, whose virtual operation happens not to be const.
-KX_IMAGE_TYPES TypeOf(const KxGenericROI& region);
-
 // The description of a pixel type; null when its pixels can't be shown as they are.
 const DibType* FindDibType(KX_IMAGE_TYPES type);
 

@@ -2,15 +2,16 @@
 
 #include "kalvo/image/kxgenericroi.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstdlib>
-#include <new>
 
 #include "kalvo/frame/boundary.h"
+#include "kalvo/image/regioncopy.h"
 #include "kalvo/image/regiontree.h"
 
+using Zelkor::Kalvo::AtBoundary;
+using Zelkor::Kalvo::CopyOfText;
 using Zelkor::Kalvo::RegionTree;
 using Zelkor::Kalvo::Report;
 
@@ -21,16 +22,7 @@ template <class Character>
 void FreeBufferAndCopyString(std::unique_ptr<Character[]>& field, const Character* source) {
     if (source == field.get()) return;
     std::unique_ptr<Character[]> copy;
-    if (source) {
-        const Character* end = source;
-        while (*end) ++end;
-        const std::size_t length = static_cast<std::size_t>(end - source);
-        copy.reset(new (std::nothrow) Character[length + 1]);
-        if (copy)
-            std::copy_n(source, length + 1, copy.get());
-        else
-            KxSetError(KX_ERROR_ALLOCATION);
-    }
+    AtBoundary(nullptr, [&] { copy = CopyOfText(source); });
     field = std::move(copy);
 }
 

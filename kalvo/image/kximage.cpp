@@ -33,7 +33,7 @@ void RebaseRuns(KxVectorTemplate<KxRun>& runs, const std::uint8_t* from, const s
     }
 }
 
-// Empties an object in the end, unless it is told to keep what it has.
+// Undoes what was begun, unless it is told in the end to keep it.
 template <class Operation>
 class Undo {
 public:

@@ -7,11 +7,8 @@
 
 namespace Zelkor::Kalvo {
 
-/// The members of `KxROI` that do not depend on the pixel type. Programs use `KxROI` and `KxImage`.
-///
-/// Pixel (x, y) of a region is pixel (origin + (x, y)) of its parent, up to the top image. While a region has
-/// a parent it is kept inside it: sizes are clipped silently, an origin outside the parent is an error
-/// (`KX_ERROR_ROI_OUT_OF_PARENT`) that makes the region cover the whole parent.
+/// The members of `KxROI` that do not depend on the pixel type. Programs use `KxROI`, which tells what a
+/// region is, and `KxImage`.
 class KX_API RegionBase : public KxGenericROI {
 public:
     /// Place and size the region, in pixels of the parent. What lies left of or above the parent is cut off.

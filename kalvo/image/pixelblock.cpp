@@ -13,19 +13,25 @@ namespace {
 
 constexpr std::int64_t kRowAlignmentBits = 192;
 constexpr std::uintptr_t kFirstPixelAlignment = 32;
-constexpr std::uint64_t kSlackBytes =
-    39;  // room to align the first pixel, and eight bytes after the last row
+// Room to align the first pixel, and eight bytes after the last row.
+constexpr std::uint64_t kSlackBytes = 39;
+
+std::int64_t PaddedRowBits(int width, int bitsPerPixel) {
+    return (std::int64_t{width} * bitsPerPixel + kRowAlignmentBits - 1) / kRowAlignmentBits *
+           kRowAlignmentBits;
+}
 
 }  // namespace
 
+bool PixelBlock::Fits(int width, int height, int bitsPerPixel) {
+    return width >= 0 && height >= 0 && (std::int64_t{width} * height * (bitsPerPixel / 8)) >> 32 == 0 &&
+           PaddedRowBits(width, bitsPerPixel) <= std::numeric_limits<std::int32_t>::max();
+}
+
 std::int32_t PixelBlock::RowBits(int width, int height, int bitsPerPixel) {
     if (width < 0 || height < 0) throw Exception(KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
-    const std::int64_t rowBits =
-        (std::int64_t{width} * bitsPerPixel + kRowAlignmentBits - 1) / kRowAlignmentBits * kRowAlignmentBits;
-    const bool isTooBig = (std::int64_t{width} * height * (bitsPerPixel / 8)) >> 32 != 0;
-    if (isTooBig || rowBits > std::numeric_limits<std::int32_t>::max())
-        throw Exception(KX_ERROR_ORIGIN_IMAGE_TOO_BIG);
-    return static_cast<std::int32_t>(rowBits);
+    if (!Fits(width, height, bitsPerPixel)) throw Exception(KX_ERROR_ORIGIN_IMAGE_TOO_BIG);
+    return static_cast<std::int32_t>(PaddedRowBits(width, bitsPerPixel));
 }
 
 std::uint64_t PixelBlock::Bytes(std::int32_t rowBits, int height) {

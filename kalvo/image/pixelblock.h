@@ -11,6 +11,9 @@ struct PixelBlock {
     std::unique_ptr<std::uint8_t[]> memory;
     std::uint8_t* firstPixel = nullptr;  // aligned to 32 bytes
 
+    // Whether an image of that size can be: not negative, less than 4 GiB of pixels, rows of less than 256
+    // MiB.
+    static bool Fits(int width, int height, int bitsPerPixel);
     // Distance between rows in bits. Throws KX_ERROR_PARAMETER_1_OUT_OF_RANGE for negative sizes, and
     // KX_ERROR_ORIGIN_IMAGE_TOO_BIG for 4 GiB of pixels and for rows of 256 MiB.
     static std::int32_t RowBits(int width, int height, int bitsPerPixel);

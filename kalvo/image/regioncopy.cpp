@@ -2,13 +2,12 @@
 
 #include "kalvo/image/regioncopy.h"
 
-#include <algorithm>
-#include <string>
 #include <typeinfo>
 #include <utility>
 
 #include "kalvo/frame/kxexception.h"
 #include "kalvo/image/kximage.h"
+#include "kalvo/image/regionrows.h"
 #include "kalvo/image/regiontree.h"
 #include "kalvo/pixels/pixeldispatch.h"
 #include "kalvo/vectors/vectorcore.h"
@@ -16,23 +15,12 @@
 namespace Zelkor::Kalvo {
 namespace {
 
-template <class Character>
-std::unique_ptr<Character[]> CopyOf(const std::unique_ptr<Character[]>& text) {
-    if (!text) return nullptr;
-    const std::size_t characters = std::char_traits<Character>::length(text.get()) + 1;
-    auto copy = std::make_unique<Character[]>(characters);
-    std::copy_n(text.get(), characters, copy.get());
-    return copy;
-}
-
 RegionTexts CopyOf(const RegionTexts& texts) {
-    return {CopyOf(texts.m_pszAuthorASCII),  CopyOf(texts.m_pszAuthorUnicode),
-            CopyOf(texts.m_pszCommentASCII), CopyOf(texts.m_pszCommentUnicode),
-            CopyOf(texts.m_pszDateASCII),    CopyOf(texts.m_pszDateUnicode),
-            CopyOf(texts.m_pszTitleASCII),   CopyOf(texts.m_pszTitleUnicode)};
+    return {CopyOfText(texts.m_pszAuthorASCII.get()),  CopyOfText(texts.m_pszAuthorUnicode.get()),
+            CopyOfText(texts.m_pszCommentASCII.get()), CopyOfText(texts.m_pszCommentUnicode.get()),
+            CopyOfText(texts.m_pszDateASCII.get()),    CopyOfText(texts.m_pszDateUnicode.get()),
+            CopyOfText(texts.m_pszTitleASCII.get()),   CopyOfText(texts.m_pszTitleUnicode.get())};
 }
-
-KX_IMAGE_TYPES TypeOf(const KxGenericROI& region) { return const_cast<KxGenericROI&>(region).GetType(); }
 
 }  // namespace
 
@@ -56,7 +44,9 @@ void RegionCopy::Replace(const RegionBase& source, RegionBase& copy, RegionBase&
     if (destination.m_pParent != source.m_pParent) RegionTree::Unlink(destination);
     RegionTree::UnlinkChildren(destination);  // the source may be one of them, and has no parent then
     if (!destination.m_pParent && source.m_pParent) RegionTree::Append(*source.m_pParent, destination);
-    SwapFields(copy, destination);
+    destination.m_Texts = std::move(copy.m_Texts);
+    VectorCore<KxRun>::Swap(destination.m_MaskRuns, copy.m_MaskRuns);
+    CopyPlainFields(copy, destination);
     RegionTree::MoveChildren(copy, destination);
     RegionTree::AttachCopies(destination);
 }
@@ -64,6 +54,10 @@ void RegionCopy::Replace(const RegionBase& source, RegionBase& copy, RegionBase&
 void RegionCopy::CopyFields(const RegionBase& source, RegionBase& copy) {
     copy.m_Texts = CopyOf(source.m_Texts);
     VectorCore<KxRun>::Assign(copy.m_MaskRuns, source.m_MaskRuns);
+    CopyPlainFields(source, copy);
+}
+
+void RegionCopy::CopyPlainFields(const RegionBase& source, RegionBase& copy) noexcept {
     copy.m_n32OrgX = source.m_n32OrgX;
     copy.m_n32OrgY = source.m_n32OrgY;
     copy.m_n32Width = source.m_n32Width;
@@ -72,19 +66,6 @@ void RegionCopy::CopyFields(const RegionBase& source, RegionBase& copy) {
     copy.m_bMaskOffsets = source.m_bMaskOffsets;
     copy.m_n32CursorX = source.m_n32CursorX;
     copy.m_n32CursorY = source.m_n32CursorY;
-}
-
-void RegionCopy::SwapFields(RegionBase& a, RegionBase& b) noexcept {
-    std::swap(a.m_Texts, b.m_Texts);
-    VectorCore<KxRun>::Swap(a.m_MaskRuns, b.m_MaskRuns);
-    std::swap(a.m_n32OrgX, b.m_n32OrgX);
-    std::swap(a.m_n32OrgY, b.m_n32OrgY);
-    std::swap(a.m_n32Width, b.m_n32Width);
-    std::swap(a.m_n32Height, b.m_n32Height);
-    std::swap(a.m_eColorSystem, b.m_eColorSystem);
-    std::swap(a.m_bMaskOffsets, b.m_bMaskOffsets);
-    std::swap(a.m_n32CursorX, b.m_n32CursorX);
-    std::swap(a.m_n32CursorY, b.m_n32CursorY);
 }
 
 // Parents before children, so that whatever has been made when memory runs out goes with `copy`.

@@ -2,8 +2,12 @@
 // Copies of regions with everything below them. They are built apart from every tree, and put in place in a
 // step that cannot fail.
 
+#include <algorithm>
 #include <memory>
+#include <new>
+#include <string>
 
+#include "kalvo/frame/kxexception.h"
 #include "kalvo/image/kxregionbase.h"
 
 namespace Zelkor::Kalvo {
@@ -23,11 +27,22 @@ public:
 
 private:
     static void CopyFields(const RegionBase& source, RegionBase& copy);
-    static void SwapFields(RegionBase& a, RegionBase& b) noexcept;
+    static void CopyPlainFields(const RegionBase& source, RegionBase& copy) noexcept;
     static void CopyDescendants(const RegionBase& source, RegionBase& copy, const KxGenericROI* excluded);
     template <class Pixel>
     static std::unique_ptr<RegionBase> CloneOf(const KxGenericROI& node);
 };
+
+// A copy of a text that ends with 0; null of null. Throws KX_ERROR_ALLOCATION.
+template <class Character>
+std::unique_ptr<Character[]> CopyOfText(const Character* text) {
+    if (!text) return nullptr;
+    const std::size_t characters = std::char_traits<Character>::length(text) + 1;
+    std::unique_ptr<Character[]> copy(new (std::nothrow) Character[characters]);
+    if (!copy) throw Exception(KX_ERROR_ALLOCATION);
+    std::copy_n(text, characters, copy.get());
+    return copy;
+}
 
 // Whether `region` is of a class of the library's own that has no pixels.
 bool IsPlainRegion(const KxGenericROI& region);

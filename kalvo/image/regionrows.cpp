@@ -15,6 +15,8 @@ BasicRegionRows<Byte> MakeRows(Region& region) {
 
 }  // namespace
 
+KX_IMAGE_TYPES TypeOf(const KxGenericROI& region) { return const_cast<KxGenericROI&>(region).GetType(); }
+
 RegionRows RowsOf(KxGenericROI& region) { return MakeRows<std::uint8_t>(region); }
 
 ConstRegionRows RowsOf(const KxGenericROI& region) { return MakeRows<const std::uint8_t>(region); }

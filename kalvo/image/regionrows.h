@@ -22,6 +22,9 @@ struct BasicRegionRows {
 using RegionRows = BasicRegionRows<std::uint8_t>;
 using ConstRegionRows = BasicRegionRows<const std::uint8_t>;
 
+// The pixel type of a region that is only looked at.
+KX_IMAGE_TYPES TypeOf(const KxGenericROI& region);
+
 // Rows of `region`, to write to or to read from.
 RegionRows RowsOf(KxGenericROI& region);
 ConstRegionRows RowsOf(const KxGenericROI& region);
