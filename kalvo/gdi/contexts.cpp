@@ -70,10 +70,10 @@ Value Field(HDC hDC, Value ContextState::*field, Value failure) {
     return context ? context->*field : failure;
 }
 
-BOOL MoveOrigin(HDC hDC, POINT ContextState::*origin, POINT next, POINT* previous) {
+BOOL SetPoint(HDC hDC, POINT ContextState::*point, POINT next, POINT* previous) {
     Context* context = Find<Context>(hDC);
     if (!context) return 0;
-    const POINT replaced = std::exchange(context->*origin, next);
+    const POINT replaced = std::exchange(context->*point, next);
     if (previous) *previous = replaced;
     return 1;
 }
@@ -83,12 +83,12 @@ BOOL OffsetOrigin(HDC hDC, POINT ContextState::*origin, int right, int down, POI
     POINT next;
     if (__builtin_add_overflow(now.x, right, &next.x) || __builtin_add_overflow(now.y, down, &next.y))
         return 0;
-    return MoveOrigin(hDC, origin, next, previous);
+    return SetPoint(hDC, origin, next, previous);
 }
 
-BOOL TellOrigin(HDC hDC, POINT ContextState::*origin, POINT* told) {
+BOOL TellPoint(HDC hDC, POINT ContextState::*point, POINT* told) {
     if (!told || !Find<Context>(hDC)) return 0;
-    *told = Field(hDC, origin, POINT{});
+    *told = Field(hDC, point, POINT{});
     return 1;
 }
 
@@ -260,30 +260,36 @@ COLORREF SetDCBrushColor(HDC hDC, COLORREF color) {
 COLORREF GetDCBrushColor(HDC hDC) { return Field(hDC, &Context::brushColor, CLR_INVALID); }
 
 BOOL SetViewportOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
-    return MoveOrigin(hDC, &Context::viewportOrigin, {n32X, n32Y}, pPrevious);
+    return SetPoint(hDC, &Context::viewportOrigin, {n32X, n32Y}, pPrevious);
 }
 
-BOOL GetViewportOrgEx(HDC hDC, POINT* pOrigin) { return TellOrigin(hDC, &Context::viewportOrigin, pOrigin); }
+BOOL GetViewportOrgEx(HDC hDC, POINT* pOrigin) { return TellPoint(hDC, &Context::viewportOrigin, pOrigin); }
 
 BOOL OffsetViewportOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
     return OffsetOrigin(hDC, &Context::viewportOrigin, n32X, n32Y, pPrevious);
 }
 
 BOOL SetWindowOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
-    return MoveOrigin(hDC, &Context::windowOrigin, {n32X, n32Y}, pPrevious);
+    return SetPoint(hDC, &Context::windowOrigin, {n32X, n32Y}, pPrevious);
 }
 
-BOOL GetWindowOrgEx(HDC hDC, POINT* pOrigin) { return TellOrigin(hDC, &Context::windowOrigin, pOrigin); }
+BOOL GetWindowOrgEx(HDC hDC, POINT* pOrigin) { return TellPoint(hDC, &Context::windowOrigin, pOrigin); }
 
 BOOL OffsetWindowOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
     return OffsetOrigin(hDC, &Context::windowOrigin, n32X, n32Y, pPrevious);
 }
 
 BOOL SetBrushOrgEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
-    return MoveOrigin(hDC, &Context::brushOrigin, {n32X, n32Y}, pPrevious);
+    return SetPoint(hDC, &Context::brushOrigin, {n32X, n32Y}, pPrevious);
 }
 
-BOOL GetBrushOrgEx(HDC hDC, POINT* pOrigin) { return TellOrigin(hDC, &Context::brushOrigin, pOrigin); }
+BOOL GetBrushOrgEx(HDC hDC, POINT* pOrigin) { return TellPoint(hDC, &Context::brushOrigin, pOrigin); }
+
+BOOL MoveToEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
+    return SetPoint(hDC, &Context::position, {n32X, n32Y}, pPrevious);
+}
+
+BOOL GetCurrentPositionEx(HDC hDC, POINT* pPosition) { return TellPoint(hDC, &Context::position, pPosition); }
 
 int SaveDC(HDC hDC) {
     return FailWithoutMemory([&] {

@@ -45,22 +45,28 @@ BOOL Draw(HDC hDC, Operation&& operation) {
     });
 }
 
-// Calls draw(surface, box, inks) with a shape in a rectangle.
+// Calls draw(context, box, inks) with a shape in a rectangle.
 template <class Shape>
-BOOL DrawFramed(HDC hDC, const RECT& rect, Shape&& draw) {
+BOOL DrawInFrame(HDC hDC, const RECT& rect, Shape&& draw) {
     return Draw(hDC, [&](const Context& context) {
         Inks inks = InksOf(context);
         const Box box = FrameOf(context, rect, inks.pen);
+        draw(context, box, inks);
+    });
+}
+
+// Calls draw(surface, box, inks) with such a shape.
+template <class Shape>
+BOOL DrawFramed(HDC hDC, const RECT& rect, Shape&& draw) {
+    return DrawInFrame(hDC, rect, [&](const Context& context, const Box& box, const Inks& inks) {
         draw(context.Target(), box, inks);
     });
 }
 
-// Calls draw(surface, box, start, end, inks) with a shape between two rays.
+// Calls draw(surface, box, start, end, inks) with one between two rays.
 template <class Shape>
 BOOL DrawWithRays(HDC hDC, const RECT& rect, POINT start, POINT end, Shape&& draw) {
-    return Draw(hDC, [&](const Context& context) {
-        Inks inks = InksOf(context);
-        const Box box = FrameOf(context, rect, inks.pen);
+    return DrawInFrame(hDC, rect, [&](const Context& context, const Box& box, const Inks& inks) {
         draw(context.Target(), box, context.Placed(start), context.Placed(end), inks);
     });
 }
@@ -100,26 +106,12 @@ COLORREF SetPixel(HDC hDC, int n32X, int n32Y, COLORREF color) {
 
 COLORREF GetPixel(HDC hDC, int n32X, int n32Y) { return AtPixel(hDC, n32X, n32Y, ReadPixel); }
 
-BOOL MoveToEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
-    return Draw(hDC, [&](Context& context) {
-        const POINT previous = std::exchange(context.position, POINT{n32X, n32Y});
-        if (pPrevious) *pPrevious = previous;
-    });
-}
-
 BOOL LineTo(HDC hDC, int n32X, int n32Y) {
     return Draw(hDC, [&](Context& context) {
         const POINT from = std::exchange(context.position, POINT{n32X, n32Y});
         if (const auto pen = PenOf(context))
             DrawLine(context.Target(), context.Placed(from), context.Placed(POINT{n32X, n32Y}), *pen);
     });
-}
-
-BOOL GetCurrentPositionEx(HDC hDC, POINT* pPosition) {
-    const Context* context = Find<Context>(hDC);
-    if (!context || !pPosition) return 0;
-    *pPosition = context->position;
-    return 1;
 }
 
 BOOL Polyline(HDC hDC, const POINT* pPoints, int n32Count) {

@@ -1,13 +1,15 @@
 // Regions behind handles, and what contexts draw in.
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 
+#include "kalvo/frame/roundtoint.h"
 #include "kalvo/gdi/objects.h"
 
 namespace Zelkor::Platform {
 namespace {
+
+using Kalvo::ClampToInt;
 
 int ComplexityOf(const Region& region) {
     if (region.IsEmpty()) return NULLREGION;
@@ -20,14 +22,9 @@ Box BoxBetween(const RECT& rect) {
             std::max(rect.top, rect.bottom)};
 }
 
-LONG ToLong(std::int64_t value) {
-    using Limits = std::numeric_limits<LONG>;
-    return static_cast<LONG>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
-}
-
 RECT ToRect(const Box& box, Position origin) {
-    return {ToLong(box.left - origin.x), ToLong(box.top - origin.y), ToLong(box.right - origin.x),
-            ToLong(box.bottom - origin.y)};
+    return {ClampToInt(box.left - origin.x), ClampToInt(box.top - origin.y), ClampToInt(box.right - origin.x),
+            ClampToInt(box.bottom - origin.y)};
 }
 
 // Moves a region unless it would leave 32-bit coordinates.

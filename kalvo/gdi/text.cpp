@@ -1,19 +1,16 @@
 // Texts: lines placed by a point or a rectangle, and measured.
 
 #include <algorithm>
-#include <limits>
 #include <string_view>
 
+#include "kalvo/frame/roundtoint.h"
 #include "kalvo/gdi/objects.h"
 #include "kalvo/raster/textline.h"
 
 namespace Zelkor::Platform {
 namespace {
 
-LONG ToLong(std::int64_t value) {
-    using Limits = std::numeric_limits<LONG>;
-    return static_cast<LONG>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
-}
+using Kalvo::ClampToInt;
 
 TextInk InkOf(const Context& context, const Surface& surface) {
     const auto pixelOf = [&](COLORREF color) { return RawFromBgr(surface, BgrFromColor(color)); };
@@ -79,7 +76,7 @@ void PlaceText(Context& context, const Surface& surface, POINT place, const Text
                  {LeftOf(width, align), TopOf(*face, align)}, InkOf(context, surface));
     if (!(align & TA_UPDATECP)) return;
     const Position moved = face->Direction().Offset({MoveAlong(width, align), 0});
-    position = {ToLong(position.x + moved.x), ToLong(position.y + moved.y)};
+    position = {ClampToInt(position.x + moved.x), ClampToInt(position.y + moved.y)};
 }
 
 // Lines in a rectangle
@@ -103,7 +100,7 @@ SIZE MeasureLines(SizedFace& face, std::string_view text, UINT format) {
         width = std::max(width, WidthOf(face, {line}));
         height += face.LineHeight();
     });
-    return {ToLong(width), ToLong(height)};
+    return {ClampToInt(width), ClampToInt(height)};
 }
 
 std::int64_t OffsetInside(std::int64_t room, std::int64_t size, bool isMiddle, bool isEnd) {
@@ -192,10 +189,10 @@ int DrawTextA(HDC hDC, const char* pText, int n32Length, RECT* pRect, UINT un32F
         const std::string_view text = isTerminated ? std::string_view(pText) : TextOf(pText, n32Length);
         const auto face = FindFace(context->font->logical);
         if (!(un32Format & DT_CALCRECT))
-            return face ? ToLong(DrawLines(*context, *face, text, *pRect, un32Format)) : 0;
+            return face ? ClampToInt(DrawLines(*context, *face, text, *pRect, un32Format)) : 0;
         const SIZE size = face ? MeasureLines(*face, text, un32Format) : SIZE{0, 0};
-        pRect->right = ToLong(std::int64_t{pRect->left} + size.cx);
-        pRect->bottom = ToLong(std::int64_t{pRect->top} + size.cy);
+        pRect->right = ClampToInt(std::int64_t{pRect->left} + size.cx);
+        pRect->bottom = ClampToInt(std::int64_t{pRect->top} + size.cy);
         return size.cy;
     });
 }
