@@ -12,6 +12,7 @@
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/kxtrace.h"
 #include "kalvo/imagefiles/imagefile.h"
+#include "kalvo/pixels/pixeldispatch.h"
 
 using namespace Zelkor::Kalvo;
 
@@ -170,19 +171,13 @@ KxGenericROI* LoadFirstOf(const InspectedFile& file) {
 }
 
 std::unique_ptr<KxGenericROI> MakeWithoutPixels(KX_IMAGE_TYPES type, int width, int height) {
-    std::unique_ptr<KxGenericROI> made;
-    const auto make = [&]<class Pixel>(std::type_identity<Pixel>) {
-        if (PixelTraits<Pixel>::kImageType != type) return;
+    return WithPixelType(type, [&]<class Pixel>() -> std::unique_ptr<KxGenericROI> {
         auto image = std::make_unique<KxImage<Pixel>>();
         KxOk();
         image->SetImagePtr(width, height, nullptr);
         if (KxFailure()) throw Exception(KxGetError());
-        made = std::move(image);
-    };
-#define KX_MAKE(Pixel) make(std::type_identity<Pixel>());
-    KX_FOR_EACH_FILE_PIXEL(KX_MAKE)
-#undef KX_MAKE
-    return made;
+        return image;
+    });
 }
 
 template <class Character>
