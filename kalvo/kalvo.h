@@ -32,6 +32,7 @@
 #include "kalvo/image/kxgenericroi.h"
 #include "kalvo/image/kximage.h"
 #include "kalvo/image/kximagefiletypes.h"
+#include "kalvo/image/kximagepixels.h"
 #include "kalvo/image/kxlistener.h"
 #include "kalvo/image/kxregionbase.h"
 #include "kalvo/image/kxroi.h"

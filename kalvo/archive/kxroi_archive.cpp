@@ -12,9 +12,7 @@ using namespace Zelkor::Kalvo;
 namespace {
 
 // What an object of no further class archives.
-constexpr ArchivedClass kGenericClass = {.create = nullptr,
-                                         .makeEmpty = RegionTree::ReleaseChildren,
-                                         .transferFields = [](KxGenericROI&, KxSerializer&, unsigned) {}};
+constexpr ArchivedClass kGenericClass = {.create = nullptr, .untyped = nullptr};
 
 // Text is read in pieces, so that a forged count on a stream of unknown length cannot take more memory than
 // the stream delivers.
@@ -56,6 +54,16 @@ void TransferText(KxSerializer& stream, std::unique_ptr<Character[]>& text, cons
         WriteText(stream, text.get(), countName, textName);
 }
 
+// Runs a transfer on an open file of the caller. Failures end in the error slot, untraced.
+template <class Operation>
+void WithOpenFile(std::FILE* file, int writing, const Operation& operation) {
+    const auto run = [&] {
+        KxFilePointerSerializer stream(file, writing);
+        operation(stream);
+    };
+    AtBoundary(nullptr, run, KX_ERROR_ARCHIVE_ACCESS);
+}
+
 const char* TraceName(const KxGenericROI& object, const char* ofRegion, const char* ofImage) {
     return const_cast<KxGenericROI&>(object).IsAnROI() ? ofRegion : ofImage;
 }
@@ -82,7 +90,7 @@ void KxGenericROI::Load(std::FILE* pFile) {
 }
 
 void KxGenericROI::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
-    RecordTransfer(RequireStream(pSerializer)).Run(*this, kGenericClass, un32Version);
+    RecordTransfer::Run(pSerializer, *this, kGenericClass, un32Version);
 }
 
 void KxGenericROI::SerializeTexts(KxSerializer& serializer) {
@@ -114,19 +122,13 @@ void KxGenericROI::SerializePlacement(KxSerializer& serializer) {
     m_eColorSystem = static_cast<KX_COLOR_SYSTEM>(colorSystem);
 }
 
-template <class Pixel>
-void KxROI<Pixel>::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
-    RecordTransfer(RequireStream(pSerializer)).Run(*this, RecordTransfer::ClassOf<KxROI>(), un32Version);
-}
-
-void RegionBase::SerializeFields(KxSerializer& serializer, unsigned) {
+void RegionBase::SerializeFields(KxSerializer& serializer) {
     TransferValue(serializer, m_bMaskOffsets, "m_bMaskOffsets");
     TransferValue(serializer, m_n32CursorX, "m_n32CursorX");
     TransferValue(serializer, m_n32CursorY, "m_n32CursorY");
 }
 
-template <class Pixel>
-void KxROI<Pixel>::PartialSerialize(KxSerializer* pSerializer) {
+void RegionBase::PartialSerialize(KxSerializer* pSerializer) {
     KxSerializer& stream = RequireStream(pSerializer);
     std::int32_t orgX = GetOrgX(), orgY = GetOrgY(), width = GetWidth(), height = GetHeight();
     TransferValue(stream, orgX, "n32OrgX");
@@ -138,19 +140,22 @@ void KxROI<Pixel>::PartialSerialize(KxSerializer* pSerializer) {
     SetPlacement(orgX, orgY, width, height);
 }
 
-template <class Pixel>
-void KxROI<Pixel>::PartialSerialize(std::FILE* pFile, int bWriting) {
+void RegionBase::PartialSerialize(std::FILE* pFile, int bWriting) {
     WithOpenFile(pFile, bWriting, [&](KxSerializer& stream) { PartialSerialize(&stream); });
 }
 
-template <class Pixel>
-void KxROI<Pixel>::VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int) {
+void RegionBase::VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int) {
     PartialSerialize(pSerializer);
 }
 
+void RegionBase::VersionLessPartialSerialize(std::FILE* pFile, int bWriting, unsigned int un32Align) {
+    WithOpenFile(pFile, bWriting,
+                 [&](KxSerializer& stream) { VersionLessPartialSerialize(&stream, un32Align); });
+}
+
 template <class Pixel>
-void KxROI<Pixel>::VersionLessPartialSerialize(std::FILE* pFile, int bWriting, unsigned int) {
-    PartialSerialize(pFile, bWriting);
+void KxROI<Pixel>::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
+    RecordTransfer::Run(pSerializer, *this, RecordTransfer::ClassOf<KxROI>(), un32Version);
 }
 
 template <class Pixel>
@@ -158,12 +163,8 @@ KxSerializer::ObjectType KxROI<Pixel>::GetSerializationType() {
     return RequireObjectTypeOf<KxROI>();
 }
 
-#define KX_INSTANTIATE(Pixel)                                                                      \
-    template KX_API void KxROI<Pixel>::Serialize(KxSerializer*, unsigned int);                     \
-    template KX_API void KxROI<Pixel>::PartialSerialize(KxSerializer*);                            \
-    template KX_API void KxROI<Pixel>::PartialSerialize(std::FILE*, int);                          \
-    template KX_API void KxROI<Pixel>::VersionLessPartialSerialize(KxSerializer*, unsigned int);   \
-    template KX_API void KxROI<Pixel>::VersionLessPartialSerialize(std::FILE*, int, unsigned int); \
+#define KX_INSTANTIATE(Pixel)                                                  \
+    template KX_API void KxROI<Pixel>::Serialize(KxSerializer*, unsigned int); \
     template KX_API KxSerializer::ObjectType KxROI<Pixel>::GetSerializationType();
 KX_FOR_EACH_PIXEL(KX_INSTANTIATE)
 #undef KX_INSTANTIATE

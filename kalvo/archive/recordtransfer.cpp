@@ -5,22 +5,18 @@
 #include <array>
 #include <utility>
 
+#include "kalvo/archive/imagerecord.h"
 #include "kalvo/image/regiontree.h"
 
 namespace Zelkor::Kalvo {
 namespace {
 
-// How deep the nesting goes is a matter of the whole tree, so no parent goes on after it.
-struct TooManyLevels {};
-
 // What has no header of an object is no child.
 KxSerializer::ObjectType PeekChildType(KxSerializer& stream) {
-    try {
-        return PeekObjectType(stream);
-    } catch (const Exception& exception) {
-        if (exception.GetError() == KX_ERROR_BAD_FILE_FORMAT) return KxSerializer::NoObject;
-        throw;
-    }
+    auto type = KxSerializer::NoObject;
+    const KX_ERRORS failure = ErrorOf([&] { type = PeekObjectType(stream); }, KX_ERROR_ARCHIVE_ACCESS);
+    if (failure && failure != KX_ERROR_BAD_FILE_FORMAT) throw Exception(failure);
+    return type;
 }
 
 template <class... Pixels>
@@ -40,48 +36,55 @@ const ArchivedClass* FindArchivedClass(KxSerializer::ObjectType type) {
     return &kClasses[static_cast<std::size_t>(index)]();
 }
 
+// Lets go of everything but texts and placement.
+void RecordTransfer::MakeEmpty(KxGenericROI& object, const ArchivedClass& objectClass) {
+    const UntypedRegion untyped = objectClass.untyped ? objectClass.untyped(object) : UntypedRegion();
+    if (untyped.pixels)
+        ImageCore::MakeEmpty(*untyped.region, *untyped.pixels);
+    else if (untyped.region)
+        untyped.region->MakeEmpty();
+    else
+        RegionTree::ReleaseChildren(object);
+}
+
 RecordTransfer::~RecordTransfer() {
     // Innermost first: that is the order in which the saved positions come off the stream's stack.
     while (!m_levels.empty()) m_levels.pop_back();
 }
 
+void RecordTransfer::Run(KxSerializer* pStream, KxGenericROI& root, const ArchivedClass& rootClass,
+                         unsigned version) {
+    RecordTransfer(RequireStream(pStream)).Run(root, rootClass, version);
+}
+
 void RecordTransfer::Run(KxGenericROI& root, const ArchivedClass& rootClass, unsigned version) {
     const auto empty = [&] {
-        rootClass.makeEmpty(root);
+        MakeEmpty(root, rootClass);
         root.MakeEmpty();
         root.m_n32OrgX = root.m_n32OrgY = root.m_n32Width = root.m_n32Height = 0;
     };
     if (m_reading) empty();
     Level& level = m_levels.emplace_back(&root, &rootClass);
     level.version = version;
-    KX_ERRORS failure = KX_OK;
-    try {
-        BeginRecord(level);
-        while (!m_levels.empty()) Walk();
+    KX_ERRORS failure = ErrorOf([&] { BeginRecord(level); }, KX_ERROR_ARCHIVE_ACCESS);
+    while (!failure && !m_levels.empty()) {
+        failure = ErrorOf([&] { Walk(); }, KX_ERROR_ARCHIVE_ACCESS);
+        if (failure && CanAbsorb()) AbsorbChildFailure(std::exchange(failure, KX_OK));
+    }
+    if (!failure) {
         if (m_childFailure) KxSetError(m_childFailure);
         return;
-    } catch (const TooManyLevels&) {
-        failure = m_reading ? KX_ERROR_BAD_FILE_FORMAT : KX_ERROR_FILE_WRITE;
-    } catch (...) {
-        failure = m_childFailure ? m_childFailure : CurrentExceptionError(KX_ERROR_ARCHIVE_ACCESS);
     }
     if (m_reading) empty();
-    throw Exception(failure);
+    throw Exception(m_childFailure && !m_isTooDeep ? m_childFailure : failure);
 }
 
-// One step: the next child of the innermost object, or its end. A child that cannot be read ends its parent's
-// list of children; the parent goes on with its next field.
+// One step: the next child of the innermost object, or its end.
 void RecordTransfer::Walk() {
-    try {
-        if (m_levels.back().childrenLeft > 0)
-            BeginNextChild();
-        else
-            EndRecord();
-    } catch (const TooManyLevels&) {
-        throw;
-    } catch (...) {
-        AbsorbChildFailure();
-    }
+    if (m_levels.back().childrenLeft > 0)
+        BeginNextChild();
+    else
+        EndRecord();
 }
 
 void RecordTransfer::BeginRecord(Level& level) {
@@ -97,7 +100,8 @@ void RecordTransfer::BeginRecord(Level& level) {
 
 void RecordTransfer::BeginNextChild() {
     ThrowChildFailure();
-    if (m_levels.size() > kMaxLevels) throw TooManyLevels();
+    m_isTooDeep = m_levels.size() > kMaxLevels;
+    if (m_isTooDeep) throw Exception(m_reading ? KX_ERROR_BAD_FILE_FORMAT : KX_ERROR_FILE_WRITE);
     Level& parent = m_levels.back();
     --parent.childrenLeft;
     const auto type = m_reading ? PeekChildType(m_stream) : parent.child->GetSerializationType();
@@ -125,7 +129,7 @@ void RecordTransfer::EndRecord() {
     level.object->SerializePlacement(m_stream);
     if (m_reading && HoldsTopOfRegions(level) && !RegionTree::FitDescendants(*level.object))
         KxSetError(KX_ERROR_ROI_OUT_OF_PARENT);
-    level.archivedClass->transferFields(*level.object, m_stream, level.version);
+    TransferFields(level);
     if (level.rewinder) level.rewinder->Keep();
     std::unique_ptr<KxGenericROI> made = std::move(level.made);
     m_levels.pop_back();
@@ -136,17 +140,27 @@ void RecordTransfer::EndRecord() {
     static_cast<void>(made.release());
 }
 
+// What follows the placement in the record.
+void RecordTransfer::TransferFields(const Level& level) {
+    if (!level.archivedClass->untyped) return;
+    const UntypedRegion untyped = level.archivedClass->untyped(*level.object);
+    untyped.region->SerializeFields(m_stream);
+    if (untyped.pixels) TransferImageFields(untyped, m_stream, level.version);
+}
+
 // Regions are placed in the image above them, or in the region that is loaded. Sizing an image clips them
 // too, but may walk a tree made for it many times: so they are fitted before.
 bool RecordTransfer::HoldsTopOfRegions(const Level& level) const {
     return m_levels.size() == 1 || !level.object->IsAnROI();
 }
 
-// Called while an exception is handled: drops the object that failed, keeping the code of the first failure,
-// or passes the exception on when that object is the root or is being written.
-void RecordTransfer::AbsorbChildFailure() {
-    if (!m_reading || m_levels.size() == 1) throw;
-    if (!m_childFailure) m_childFailure = CurrentExceptionError(KX_ERROR_ARCHIVE_ACCESS);
+// A child that cannot be read ends its parent's list of children; the parent goes on with its next field. But
+// how deep the nesting goes is a matter of the whole tree.
+bool RecordTransfer::CanAbsorb() const { return m_reading && m_levels.size() > 1 && !m_isTooDeep; }
+
+// Drops the object that failed, and keeps the code of the first failure.
+void RecordTransfer::AbsorbChildFailure(KX_ERRORS failure) {
+    if (!m_childFailure) m_childFailure = failure;
     m_levels.pop_back();
     m_levels.back().childrenLeft = 0;
 }

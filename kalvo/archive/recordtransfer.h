@@ -11,15 +11,14 @@
 #include <type_traits>
 
 #include "kalvo/archive/archivedobject.h"
-#include "kalvo/image/kximage.h"
+#include "kalvo/image/imagecore.h"
 
 namespace Zelkor::Kalvo {
 
 // What the walk needs to know of a class whose objects are archived.
 struct ArchivedClass {
     std::unique_ptr<KxGenericROI> (*create)();
-    void (*makeEmpty)(KxGenericROI&);
-    void (*transferFields)(KxGenericROI&, KxSerializer&, unsigned version);  // what follows the placement
+    UntypedRegion (*untyped)(KxGenericROI&);  // null when nothing follows the placement
 };
 
 // The position of a pixel type in the tuple; the number of its types when it is none of them.
@@ -51,16 +50,6 @@ KxSerializer::ObjectType RequireObjectTypeOf() {
 // The class of that object type; null when archives hold no such object.
 const ArchivedClass* FindArchivedClass(KxSerializer::ObjectType type);
 
-// Runs a transfer on an open file of the caller. Failures end in the error slot, untraced.
-template <class Operation>
-void WithOpenFile(std::FILE* file, int writing, const Operation& operation) {
-    const auto run = [&] {
-        KxFilePointerSerializer stream(file, writing);
-        operation(stream);
-    };
-    AtBoundary(nullptr, run, KX_ERROR_ARCHIVE_ACCESS);
-}
-
 // Moves one object, its children and their children between memory and a stream.
 class RecordTransfer {
 public:
@@ -71,14 +60,15 @@ public:
     template <class Object>
     static const ArchivedClass& ClassOf();
 
+    // Exchanges the record of `root`, without its header. When reading fails the object is left empty, and
+    // the code of the first failure is thrown; KX_ERROR_SERIALIZER_NOT_OPEN when there is no stream.
+    static void Run(KxSerializer* pStream, KxGenericROI& root, const ArchivedClass& rootClass,
+                    unsigned version);
+
     explicit RecordTransfer(KxSerializer& stream) : m_stream(stream), m_reading(stream.IsReading()) {}
     RecordTransfer(const RecordTransfer&) = delete;
     RecordTransfer& operator=(const RecordTransfer&) = delete;
     ~RecordTransfer();
-
-    // Exchanges the record of `root`, without its header. When reading fails the object is left empty, and
-    // the code of the first failure is thrown.
-    void Run(KxGenericROI& root, const ArchivedClass& rootClass, unsigned version);
 
 private:
     // An object whose record has been begun.
@@ -95,16 +85,21 @@ private:
         std::optional<StreamRewinder> rewinder;  // none for the root, whose caller rewinds
     };
 
+    void Run(KxGenericROI& root, const ArchivedClass& rootClass, unsigned version);
+    static void MakeEmpty(KxGenericROI& object, const ArchivedClass& objectClass);
     void Walk();
     void BeginRecord(Level& level);
     void BeginNextChild();
     void EndRecord();
+    void TransferFields(const Level& level);
     bool HoldsTopOfRegions(const Level& level) const;
-    void AbsorbChildFailure();
+    bool CanAbsorb() const;
+    void AbsorbChildFailure(KX_ERRORS failure);
     void ThrowChildFailure() const;
 
     KxSerializer& m_stream;
     bool m_reading;
+    bool m_isTooDeep = false;
     KX_ERRORS m_childFailure = KX_OK;  // of the first child that could not be read
     std::deque<Level> m_levels;
 };
@@ -113,11 +108,7 @@ template <class Object>
 const ArchivedClass& RecordTransfer::ClassOf() {
     static constexpr ArchivedClass kClass = {
         .create = []() -> std::unique_ptr<KxGenericROI> { return std::make_unique<Object>(); },
-        .makeEmpty = [](KxGenericROI& object) { static_cast<Object&>(object).MakeEmpty(); },
-        .transferFields =
-            [](KxGenericROI& object, KxSerializer& stream, unsigned version) {
-                static_cast<Object&>(object).SerializeFields(stream, version);
-            },
+        .untyped = [](KxGenericROI& object) { return ImageCore::Untyped(static_cast<Object&>(object)); },
     };
     return kClass;
 }

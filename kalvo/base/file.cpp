@@ -5,11 +5,13 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <filesystem>
+#include <locale>
 #include <utility>
 
 namespace Zelkor::Platform {
 namespace {
+
+constexpr std::size_t kMostUtf8PerUnit = 3;  // a pair of units takes four bytes
 
 bool IsFolder(std::FILE* stream) {
     struct stat status;
@@ -21,11 +23,17 @@ bool IsFolder(std::FILE* stream) {
 std::optional<std::string> Utf8FromUtf16(const unsigned short* text) {
     std::u16string units;
     for (; *text; ++text) units.push_back(static_cast<char16_t>(*text));
-    try {
-        return std::filesystem::path(units).string();
-    } catch (const std::filesystem::filesystem_error&) {
-        return std::nullopt;
-    }
+    std::u8string bytes(units.size() * kMostUtf8PerUnit, u8'\0');
+
+    using Converter = std::codecvt<char16_t, char8_t, std::mbstate_t>;
+    std::mbstate_t state{};
+    const char16_t* unitsEnd = units.data();
+    char8_t* bytesEnd = bytes.data();
+    const auto outcome = std::use_facet<Converter>(std::locale::classic())
+                             .out(state, units.data(), units.data() + units.size(), unitsEnd, bytes.data(),
+                                  bytes.data() + bytes.size(), bytesEnd);
+    if (outcome != Converter::ok || unitsEnd != units.data() + units.size()) return std::nullopt;
+    return std::string(bytes.data(), bytesEnd);
 }
 
 File::File(const char* name, const char* mode) : m_stream(name ? std::fopen(name, mode) : nullptr) {

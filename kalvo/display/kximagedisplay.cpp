@@ -4,7 +4,7 @@
 
 #include "kalvo/display/dib.h"
 #include "kalvo/display/grayreduction.h"
-#include "kalvo/display/kxpixelvector.h"
+#include "kalvo/display/tabledisplay.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/thread_slot.h"
 
@@ -13,6 +13,9 @@
 using namespace Zelkor::Kalvo;
 
 namespace {
+
+constexpr const char* kGrayImageTraceName = "KxDrawImageInWindow ( BW8 Image)";
+constexpr const char* kGrayRegionTraceName = "KxDrawImageInWindow ( BW8 ROI)";
 
 RGBQUAD ShownAs(KxBW8 gray) { return {gray, gray, gray, 0}; }
 RGBQUAD ShownAs(KxC24 color) { return {color.m_un8C2, color.m_un8C1, color.m_un8C0, 0}; }
@@ -72,9 +75,9 @@ void DrawAndClearError(const KxGenericROI& region, HDC hdc, Zoom zoom, const cha
 }
 
 template <class Vector>
-void DrawThroughTable(const KxGenericROI& region, HDC hdc, const Vector* lut, Zoom zoom,
-                      const char* traceName) {
-    AtBoundary(traceName, [&] {
+void DrawInColorsOf(const Vector* lut, const KxGenericROI& region, HDC hdc, Zoom zoom,
+                    const char* traceName) {
+    AtTracePoint(traceName, [&] {
         DrawRegion(region, hdc, zoom, [lut](const DibType&, KxBitmapInfo& info) {
             if (!lut || lut->GetNumElements() != info.m_Colors.size())
                 throw Exception(KX_ERROR_VECTOR_NUMBER_OF_ELEMENTS);
@@ -88,12 +91,31 @@ void DrawReduced(const KxGenericROI& region, HDC hdc, Zoom zoom, const char* tra
         CheckPixels(region);
         KxImage<KxBW8> reduced;
         ReduceToGray(region, reduced);
-        if (const short error = KxDrawImageInWindow(&reduced, hdc, zoom.x, zoom.y))
-            throw Exception(static_cast<KX_ERRORS>(error));
+        AtTracePoint(kGrayImageTraceName, [&] { DrawRegion(reduced, hdc, zoom, DescribeColors); });
+        KxOk();
     });
 }
 
+template <class Vector>
+void DrawInWindow(const KxGenericROI& region, HDC hdc, const Vector* lut, Zoom zoom, const char* traceName) {
+    AtBoundary(nullptr, [&] { DrawThroughTable(region, hdc, lut, zoom, traceName); });
+}
+
 }  // namespace
+
+namespace Zelkor::Kalvo {
+
+void DrawThroughTable(const KxGenericROI& region, HDC hdc, const KxBW8Vector* lut, Zoom zoom,
+                      const char* traceName) {
+    DrawInColorsOf(lut, region, hdc, zoom, traceName);
+}
+
+void DrawThroughTable(const KxGenericROI& region, HDC hdc, const KxC24Vector* lut, Zoom zoom,
+                      const char* traceName) {
+    DrawInColorsOf(lut, region, hdc, zoom, traceName);
+}
+
+}  // namespace Zelkor::Kalvo
 
 void KxDrawImageInWindow(KxImage<KxBW1>* pImage, HDC hDC, float f32ZoomX, float f32ZoomY) {
     Draw(*pImage, hDC, {f32ZoomX, f32ZoomY}, "KxDrawImageInWindow ( BW1 Image)");
@@ -104,28 +126,28 @@ void KxDrawImageInWindow(KxROI<KxBW1>* pROI, HDC hDC, float f32ZoomX, float f32Z
 }
 
 short KxDrawImageInWindow(KxImage<KxBW8>* pImage, HDC hDC, float f32ZoomX, float f32ZoomY) {
-    DrawAndClearError(*pImage, hDC, {f32ZoomX, f32ZoomY}, "KxDrawImageInWindow ( BW8 Image)");
+    DrawAndClearError(*pImage, hDC, {f32ZoomX, f32ZoomY}, kGrayImageTraceName);
     return static_cast<short>(KxGetError());
 }
 
 void KxDrawImageInWindow(KxImage<KxBW8>* pImage, HDC hDC, KxBW8Vector* pLut, float f32ZoomX, float f32ZoomY) {
-    DrawThroughTable(*pImage, hDC, pLut, {f32ZoomX, f32ZoomY}, "KxDrawImageInWindow ( BW8 Image)");
+    DrawInWindow(*pImage, hDC, pLut, {f32ZoomX, f32ZoomY}, kGrayImageTraceName);
 }
 
 void KxDrawImageInWindow(KxImage<KxBW8>* pImage, HDC hDC, KxC24Vector* pLut, float f32ZoomX, float f32ZoomY) {
-    DrawThroughTable(*pImage, hDC, pLut, {f32ZoomX, f32ZoomY}, "KxDrawImageInWindow ( BW8 Image)");
+    DrawInWindow(*pImage, hDC, pLut, {f32ZoomX, f32ZoomY}, kGrayImageTraceName);
 }
 
 void KxDrawImageInWindow(KxROI<KxBW8>* pROI, HDC hDC, float f32ZoomX, float f32ZoomY) {
-    DrawAndClearError(*pROI, hDC, {f32ZoomX, f32ZoomY}, "KxDrawImageInWindow ( BW8 ROI)");
+    DrawAndClearError(*pROI, hDC, {f32ZoomX, f32ZoomY}, kGrayRegionTraceName);
 }
 
 void KxDrawImageInWindow(KxROI<KxBW8>* pROI, HDC hDC, KxBW8Vector* pLut, float f32ZoomX, float f32ZoomY) {
-    DrawThroughTable(*pROI, hDC, pLut, {f32ZoomX, f32ZoomY}, "KxDrawImageInWindow ( BW8 ROI)");
+    DrawInWindow(*pROI, hDC, pLut, {f32ZoomX, f32ZoomY}, kGrayRegionTraceName);
 }
 
 void KxDrawImageInWindow(KxROI<KxBW8>* pROI, HDC hDC, KxC24Vector* pLut, float f32ZoomX, float f32ZoomY) {
-    DrawThroughTable(*pROI, hDC, pLut, {f32ZoomX, f32ZoomY}, "KxDrawImageInWindow ( BW8 ROI)");
+    DrawInWindow(*pROI, hDC, pLut, {f32ZoomX, f32ZoomY}, kGrayRegionTraceName);
 }
 
 void KxDrawImageInWindow(KxROI<KxBW16>* pROI, HDC hDC, float f32ZoomX, float f32ZoomY) {

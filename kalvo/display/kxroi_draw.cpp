@@ -5,9 +5,10 @@
 
 #include "kalvo/display/dib.h"
 #include "kalvo/display/kxgdidrawadapter.h"
-#include "kalvo/display/kximagedisplay.h"
+#include "kalvo/display/tabledisplay.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/roundtoint.h"
+#include "kalvo/image/kximage.h"
 
 using namespace Zelkor::Kalvo;
 
@@ -39,8 +40,10 @@ void DrawThroughTable(Region& region, HDC hdc, Vector* lut, float zoomX, float z
     if constexpr (std::is_same_v<Pixel, KxBW8>) {
         if (!region.GetGenericImagePtr(0, 0)) return;
         KxOk();
-        KxDrawImageInWindow(&region, hdc, lut, zoomX, zoomY);
-        if (KxFailure()) KxTraceError(ScaleName(lut, isImage));
+        AtBoundary(ScaleName(lut, isImage), [&] {
+            DrawThroughTable(region, hdc, lut, {zoomX, zoomY},
+                             isImage ? "KxDrawImageInWindow ( BW8 Image)" : "KxDrawImageInWindow ( BW8 ROI)");
+        });
     } else {
         Report(KX_ERROR_UNSUPPORTED_IMAGE_TYPE, isImage ? kImageTraceName : kRegionTraceName);
     }

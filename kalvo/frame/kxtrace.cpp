@@ -2,10 +2,10 @@
 
 #include "kalvo/frame/kxtrace.h"
 
-#include <exception>
 #include <string>
 
 #include "kalvo/base/messagebox.h"
+#include "kalvo/frame/boundary.h"
 #include "kalvo/frame/kxthread.h"
 
 namespace {
@@ -17,11 +17,10 @@ std::string TextOf(const char* text) { return text ? text : ""; }
 // Without memory for the text there is no box; the code is in the slot all the same.
 template <class Compose>
 void Show(const Compose& compose) {
-    try {
+    Zelkor::Kalvo::OrNeutral([&] {
         const std::string text = compose();
         Zelkor::Platform::MessageBoxA(text.c_str(), "KxTrace", kTaskModalExclamationOk);
-    } catch (const std::exception&) {
-    }
+    });
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ using namespace Zelkor::Platform;
 HBITMAP CreateBitmap(int n32Width, int n32Height, UINT un32Planes, UINT un32BitCount, const void* pBits) {
     const std::optional<PixelLayout> layout = LayoutOfDepth(un32BitCount);
     if (un32Planes != 1 || !layout) return nullptr;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         auto bitmap = MakeDeviceBitmap(n32Width, n32Height, *layout, DeviceColors(*layout));
         if (bitmap && pBits) {
             const Surface& surface = bitmap->surface;
@@ -78,7 +78,7 @@ HBITMAP CreateCompatibleBitmap(HDC hDC, int n32Width, int n32Height) {
     if (!IsNullOrContext(hDC)) return nullptr;
     if (n32Width == 0 || n32Height == 0) return CreateBitmap(1, 1, 1, 1, nullptr);
     if (!hDC) return CreateBitmap(n32Width, n32Height, 1, 32, nullptr);
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Bitmap& model = *Find<Context>(hDC)->bitmap;
         auto bitmap = MakeDeviceBitmap(n32Width, n32Height, model.surface.layout, model.colors);
         if (bitmap) bitmap->isSection = model.isSection;
@@ -88,7 +88,7 @@ HBITMAP CreateCompatibleBitmap(HDC hDC, int n32Width, int n32Height) {
 
 HBITMAP CreateDIBSection(HDC hDC, const BITMAPINFO* pInfo, UINT un32Usage, void** ppBits, HANDLE, DWORD) {
     if (ppBits) *ppBits = nullptr;
-    return FailWithoutMemory([&]() -> HBITMAP {
+    return OrNeutral([&]() -> HBITMAP {
         if (un32Usage != DIB_RGB_COLORS || !IsNullOrContext(hDC)) return nullptr;
         auto format = ReadDibHeader(pInfo);
         if (!format) return nullptr;
@@ -103,7 +103,7 @@ HBITMAP CreateDIBSection(HDC hDC, const BITMAPINFO* pInfo, UINT un32Usage, void*
 
 int SetDIBits(HDC hDC, HBITMAP hBitmap, UINT un32Start, UINT un32Lines, const void* pBits,
               const BITMAPINFO* pInfo, UINT un32Usage) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Bitmap* bitmap = Find<Bitmap>(hBitmap);
         const auto format = ReadDibHeader(pInfo);
         if (!bitmap || !format || !pBits || un32Usage != DIB_RGB_COLORS || !IsNullOrContext(hDC)) return 0;
@@ -114,7 +114,7 @@ int SetDIBits(HDC hDC, HBITMAP hBitmap, UINT un32Start, UINT un32Lines, const vo
 
 int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT un32Start, UINT un32Lines, void* pBits, BITMAPINFO* pInfo,
               UINT un32Usage) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Bitmap* bitmap = Find<Bitmap>(hBitmap);
         if (!bitmap || !pInfo || un32Usage != DIB_RGB_COLORS || !IsNullOrContext(hDC)) return 0;
         if (!pBits && pInfo->bmiHeader.biSize == sizeof(BITMAPINFOHEADER) &&

@@ -53,7 +53,7 @@ using namespace Zelkor::Platform;
 int SetDIBitsToDevice(HDC hDC, int n32X, int n32Y, DWORD un32Width, DWORD un32Height, int n32SourceX,
                       int n32SourceY, UINT un32Start, UINT un32Lines, const void* pBits,
                       const BITMAPINFO* pInfo, UINT un32Usage) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Context* context = Find<Context>(hDC);
         const auto format = ReadDibHeader(pInfo);
         if (!context || !format || !pBits || un32Usage != DIB_RGB_COLORS) return 0;
@@ -69,7 +69,7 @@ int SetDIBitsToDevice(HDC hDC, int n32X, int n32Y, DWORD un32Width, DWORD un32He
 int StretchDIBits(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, int n32SourceX, int n32SourceY,
                   int n32SourceWidth, int n32SourceHeight, const void* pBits, const BITMAPINFO* pInfo,
                   UINT un32Usage, DWORD un32Operation) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Context* context = Find<Context>(hDC);
         const auto format = ReadDibHeader(pInfo);
         if (!context || !format || !pBits || un32Usage != DIB_RGB_COLORS) return 0;
@@ -85,7 +85,7 @@ int StretchDIBits(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, int 
 
 BOOL StretchBlt(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, HDC hSource, int n32SourceX,
                 int n32SourceY, int n32SourceWidth, int n32SourceHeight, DWORD un32Operation) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Context* context = Find<Context>(hDC);
         const RasterOperation operation = OperationOf(un32Operation);
         const Context* sourceContext = operation.UsesSource() ? Find<Context>(hSource) : context;
@@ -122,7 +122,7 @@ BOOL PatBlt(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, DWORD un32
 
 BOOL AlphaBlend(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, HDC hSource, int n32SourceX,
                 int n32SourceY, int n32SourceWidth, int n32SourceHeight, BLENDFUNCTION blend) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Context* context = Find<Context>(hDC);
         const Context* sourceContext = Find<Context>(hSource);
         if (!context || !sourceContext || n32Width < 0 || n32Height < 0 || blend.BlendOp != AC_SRC_OVER ||

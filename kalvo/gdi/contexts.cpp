@@ -113,7 +113,7 @@ Context::~Context() {
 HDC CreatePaletteDC(int width, int height) {
     constexpr int kLargest = 0x7FFF;
     if (width < 1 || height < 1 || width > kLargest || height > kLargest) return nullptr;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         constexpr RawPixel kWhite = 255;
         auto context = std::make_unique<Context>(MakeOwnBitmap(width, height, PixelLayout::Indexed8));
         context->isPaletteDevice = true;
@@ -128,7 +128,7 @@ using namespace Zelkor::Platform;
 
 HDC CreateCompatibleDC(HDC hDC) {
     if (hDC && !Find<Context>(hDC)) return nullptr;
-    return FailWithoutMemory(
+    return OrNeutral(
         [&] { return Publish(std::make_unique<Context>(MakeOwnBitmap(1, 1, PixelLayout::Bits1))); });
 }
 
@@ -292,7 +292,7 @@ BOOL MoveToEx(HDC hDC, int n32X, int n32Y, POINT* pPrevious) {
 BOOL GetCurrentPositionEx(HDC hDC, POINT* pPosition) { return TellPoint(hDC, &Context::position, pPosition); }
 
 int SaveDC(HDC hDC) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         Context* context = Find<Context>(hDC);
         if (!context) return 0;
         context->saved.push_back(*context);

@@ -38,7 +38,7 @@ COLORREF AtPixel(HDC hDC, int x, int y, Operation&& operation) {
 // Calls operation(context); 0 when there is none, or no memory for it.
 template <class Operation>
 BOOL Draw(HDC hDC, Operation&& operation) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         Context* context = Find<Context>(hDC);
         if (context) operation(*context);
         return BOOL{context != nullptr};

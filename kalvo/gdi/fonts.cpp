@@ -66,13 +66,13 @@ HFONT CreateFontIndirectA(const LOGFONTA* pFont) {
     if (!pFont) return nullptr;
     LOGFONTA font = *pFont;
     font.lfFaceName[sizeof font.lfFaceName - 1] = 0;
-    return FailWithoutMemory([&] { return static_cast<HFONT>(Register(std::make_unique<Font>(font))); });
+    return OrNeutral([&] { return static_cast<HFONT>(Register(std::make_unique<Font>(font))); });
 }
 
 BOOL GetTextMetricsA(HDC hDC, TEXTMETRICA* pMetrics) {
     const Context* context = Find<Context>(hDC);
     if (!context || !pMetrics) return 0;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const LOGFONTA& font = context->font->logical;
         const auto face = FindFace(font);
         if (face) *pMetrics = MetricsOf(font, *face);
@@ -83,7 +83,7 @@ BOOL GetTextMetricsA(HDC hDC, TEXTMETRICA* pMetrics) {
 int GetTextFaceA(HDC hDC, int n32Size, char* pszName) {
     const Context* context = Find<Context>(hDC);
     if (!context || (pszName && n32Size < 1)) return 0;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const auto face = FindFace(context->font->logical);
         if (!face) return 0;
         const std::string name = face->Metrics().name;

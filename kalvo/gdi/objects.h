@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "kalvo/frame/boundary.h"
 #include "kalvo/gdi/gdi.h"
 #include "kalvo/raster/lines.h"
 
@@ -165,14 +166,7 @@ HANDLE Register(std::unique_ptr<GdiObject> object) noexcept;
 void Unregister(GdiObject& object) noexcept;
 
 // The edge of the exported functions: without memory they fail as for any other reason, with 0 or null.
-template <class Operation>
-auto FailWithoutMemory(Operation&& operation) noexcept -> std::invoke_result_t<Operation> {
-    try {
-        return operation();
-    } catch (...) {
-        return {};
-    }
-}
+using Zelkor::Kalvo::OrNeutral;
 
 // One of the constants of `GetStockObject`; null for any other number.
 GdiObject* StockObject(int number);

@@ -65,7 +65,7 @@ HPALETTE CreatePalette(const LOGPALETTE* pPalette) {
     if (!pPalette || pPalette->palVersion != kPaletteVersion) return nullptr;
     const std::size_t count = pPalette->palNumEntries;
     if (count < 1 || count > kLargestPalette) return nullptr;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const PALETTEENTRY* first = pPalette->palPalEntry;
         return static_cast<HPALETTE>(
             Register(std::make_unique<Palette>(std::vector<PALETTEENTRY>(first, first + count))));

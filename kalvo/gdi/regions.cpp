@@ -69,13 +69,13 @@ int Clip(Context& context, const Region& region, SetOperation operation) {
 }
 
 HRGN MakeRegion(const RECT& rect) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         return static_cast<HRGN>(Register(std::make_unique<RegionObject>(Region(BoxBetween(rect)))));
     });
 }
 
 int ClipRectangle(HDC hDC, const RECT& rect, SetOperation operation) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         Context* context = Find<Context>(hDC);
         return context ? Clip(*context, Region(context->PlacedCorners(rect)), operation) : ERROR;
     });
@@ -93,7 +93,7 @@ HRGN CreateRectRgn(int n32Left, int n32Top, int n32Right, int n32Bottom) {
 HRGN CreateRectRgnIndirect(const RECT* pRect) { return pRect ? MakeRegion(*pRect) : nullptr; }
 
 BOOL SetRectRgn(HRGN hRegion, int n32Left, int n32Top, int n32Right, int n32Bottom) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         RegionObject* region = Find<RegionObject>(hRegion);
         if (region) region->pixels = Region(BoxBetween({n32Left, n32Top, n32Right, n32Bottom}));
         return BOOL{region != nullptr};
@@ -101,7 +101,7 @@ BOOL SetRectRgn(HRGN hRegion, int n32Left, int n32Top, int n32Right, int n32Bott
 }
 
 int CombineRgn(HRGN hDestination, HRGN hFirst, HRGN hSecond, int n32Mode) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         RegionObject* destination = Find<RegionObject>(hDestination);
         const RegionObject* first = Find<RegionObject>(hFirst);
         const RegionObject* second = Find<RegionObject>(hSecond);
@@ -145,7 +145,7 @@ BOOL RectInRegion(HRGN hRegion, const RECT* pRect) {
 int SelectClipRgn(HDC hDC, HRGN hRegion) { return ExtSelectClipRgn(hDC, hRegion, RGN_COPY); }
 
 int ExtSelectClipRgn(HDC hDC, HRGN hRegion, int n32Mode) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         Context* context = Find<Context>(hDC);
         const RegionObject* region = Find<RegionObject>(hRegion);
         if (!context) return ERROR;
@@ -179,7 +179,7 @@ int OffsetClipRgn(HDC hDC, int n32X, int n32Y) {
 }
 
 int GetClipBox(HDC hDC, RECT* pRect) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Context* context = Find<Context>(hDC);
         if (!context || !pRect) return ERROR;
         const Region visible = VisibleOf(*context);
@@ -194,7 +194,7 @@ int GetClipRgn(HDC hDC, HRGN hRegion) {
     RegionObject* region = Find<RegionObject>(hRegion);
     if (!context || !region) return kFailure;
     if (!context->clip) return 0;
-    const int copied = FailWithoutMemory([&] {
+    const int copied = OrNeutral([&] {
         region->pixels = *context->clip;
         return 1;
     });
@@ -207,7 +207,7 @@ BOOL PtVisible(HDC hDC, int n32X, int n32Y) {
 }
 
 BOOL RectVisible(HDC hDC, const RECT* pRect) {
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const Context* context = Find<Context>(hDC);
         return BOOL{context && pRect && VisibleOf(*context).Overlaps(context->PlacedCorners(*pRect))};
     });

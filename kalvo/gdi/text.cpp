@@ -146,7 +146,7 @@ using namespace Zelkor::Platform;
 BOOL TextOutA(HDC hDC, int n32X, int n32Y, const char* pText, int n32Length) {
     Context* context = Find<Context>(hDC);
     if (!context || !IsText(pText, n32Length)) return 0;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         PlaceText(*context, context->Target(), {n32X, n32Y}, {TextOf(pText, n32Length)});
         return 1;
     });
@@ -159,7 +159,7 @@ BOOL ExtTextOutA(HDC hDC, int n32X, int n32Y, UINT un32Options, const RECT* pRec
     const int length = static_cast<int>(un32Length);  // negative beyond what a text may have
     if (!context || !IsText(pText, length) || (un32Options & kUnknown)) return 0;
     const UINT options = pRect ? un32Options : 0;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         Surface surface = context->Target();
         if (options & ETO_OPAQUE)
             PaintBox(surface, context->Placed(*pRect),
@@ -174,7 +174,7 @@ BOOL ExtTextOutA(HDC hDC, int n32X, int n32Y, UINT un32Options, const RECT* pRec
 BOOL GetTextExtentPoint32A(HDC hDC, const char* pText, int n32Length, SIZE* pSize) {
     const Context* context = Find<Context>(hDC);
     if (!context || !pSize || !IsText(pText, n32Length)) return 0;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const auto face = FindFace(context->font->logical);
         *pSize = face ? MeasureLines(*face, TextOf(pText, n32Length), DT_SINGLELINE) : SIZE{0, 0};
         return 1;
@@ -185,7 +185,7 @@ int DrawTextA(HDC hDC, const char* pText, int n32Length, RECT* pRect, UINT un32F
     const Context* context = Find<Context>(hDC);
     const bool isTerminated = pText && n32Length == -1;
     if (!context || !pRect || !(isTerminated || IsText(pText, n32Length))) return 0;
-    return FailWithoutMemory([&] {
+    return OrNeutral([&] {
         const std::string_view text = isTerminated ? std::string_view(pText) : TextOf(pText, n32Length);
         const auto face = FindFace(context->font->logical);
         if (!(un32Format & DT_CALCRECT))

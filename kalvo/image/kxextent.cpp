@@ -156,11 +156,7 @@ using Zelkor::Kalvo::GenericRoiExtentWithBroadcast;
 template <class Operation, class... Operands>
 KX_ERRORS CodeOf(Operation operation, Operands*... operands) noexcept {
     if (!(operands && ...)) return KX_ERROR_INTERNAL;
-    try {
-        operation(*operands...);
-    } catch (...) {
-        return KX_ERROR_INTERNAL;
-    }
+    if (Zelkor::Kalvo::ErrorOf([&] { operation(*operands...); })) return KX_ERROR_INTERNAL;
     const KX_ERRORS error = KxGetError();
     KxOk();
     return error;

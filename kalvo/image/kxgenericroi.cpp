@@ -11,19 +11,16 @@
 #include "kalvo/image/regiontree.h"
 
 using Zelkor::Kalvo::AtBoundary;
-using Zelkor::Kalvo::CopyOfText;
+using Zelkor::Kalvo::RegionCopy;
+using Zelkor::Kalvo::RegionTexts;
 using Zelkor::Kalvo::RegionTree;
 using Zelkor::Kalvo::Report;
 
 namespace {
 
-// Replaces an owned text by a copy. A source that is the field's own text changes nothing.
 template <class Character>
-void FreeBufferAndCopyString(std::unique_ptr<Character[]>& field, const Character* source) {
-    if (source == field.get()) return;
-    std::unique_ptr<Character[]> copy;
-    AtBoundary(nullptr, [&] { copy = CopyOfText(source); });
-    field = std::move(copy);
+void SetText(KxGenericROI& region, std::unique_ptr<Character[]> RegionTexts::*field, const Character* text) {
+    AtBoundary(nullptr, [&] { RegionCopy::SetText(region, field, text); });
 }
 
 // Stores the outcome of a check, traces a failure, and returns the code.
@@ -80,34 +77,30 @@ KxGenericROI::~KxGenericROI() {
 
 void KxGenericROI::MakeEmpty() { m_Texts = {}; }
 
-void KxGenericROI::SetAuthor(const char* pszText) {
-    FreeBufferAndCopyString(m_Texts.m_pszAuthorASCII, pszText);
-}
+void KxGenericROI::SetAuthor(const char* pszText) { SetText(*this, &RegionTexts::m_pszAuthorASCII, pszText); }
 
 void KxGenericROI::SetAuthor(const unsigned short* pwszText) {
-    FreeBufferAndCopyString(m_Texts.m_pszAuthorUnicode, pwszText);
+    SetText(*this, &RegionTexts::m_pszAuthorUnicode, pwszText);
 }
 
 void KxGenericROI::SetComment(const char* pszText) {
-    FreeBufferAndCopyString(m_Texts.m_pszCommentASCII, pszText);
+    SetText(*this, &RegionTexts::m_pszCommentASCII, pszText);
 }
 
 void KxGenericROI::SetComment(const unsigned short* pwszText) {
-    FreeBufferAndCopyString(m_Texts.m_pszCommentUnicode, pwszText);
+    SetText(*this, &RegionTexts::m_pszCommentUnicode, pwszText);
 }
 
-void KxGenericROI::SetDate(const char* pszText) { FreeBufferAndCopyString(m_Texts.m_pszDateASCII, pszText); }
+void KxGenericROI::SetDate(const char* pszText) { SetText(*this, &RegionTexts::m_pszDateASCII, pszText); }
 
 void KxGenericROI::SetDate(const unsigned short* pwszText) {
-    FreeBufferAndCopyString(m_Texts.m_pszDateUnicode, pwszText);
+    SetText(*this, &RegionTexts::m_pszDateUnicode, pwszText);
 }
 
-void KxGenericROI::SetTitle(const char* pszText) {
-    FreeBufferAndCopyString(m_Texts.m_pszTitleASCII, pszText);
-}
+void KxGenericROI::SetTitle(const char* pszText) { SetText(*this, &RegionTexts::m_pszTitleASCII, pszText); }
 
 void KxGenericROI::SetTitle(const unsigned short* pwszText) {
-    FreeBufferAndCopyString(m_Texts.m_pszTitleUnicode, pwszText);
+    SetText(*this, &RegionTexts::m_pszTitleUnicode, pwszText);
 }
 
 int KxGenericROI::GetTotalOrgX() const { return static_cast<int>(RegionTree::PlaceOf(*this, 0, 0).x); }

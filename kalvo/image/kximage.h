@@ -1,8 +1,8 @@
 #pragma once
 // An image: the root of a tree of regions, with pixels of its own or of the caller.
 
+#include "kalvo/image/kximagepixels.h"
 #include "kalvo/image/kxroi.h"
-#include "kalvo/measure/kxdimensionalvalue.h"
 
 namespace Zelkor::Kalvo {
 struct ImageCore;
@@ -54,7 +54,7 @@ public:
         return static_cast<Pixel*>(GetGenericImagePtr(n32X, n32Y));
     }
     /// Distance between rows in bits.
-    int GetBitsPerRow() const { return m_n32BitsPerRow; }
+    int GetBitsPerRow() const { return m_Pixels.m_n32BitsPerRow; }
 
     /// Physical size of a pixel. Both 0 fail with `KX_ERROR_PIXELS_FINITE_SIZE`.
     void SetPixelDimensions(float f32Width, float f32Height, KxMeasurementUnit* pUnit) override;
@@ -67,15 +67,15 @@ public:
     const KxGenericROI* GetTopParent() const override { return this; }
     KxGenericROI* GetTopParent() override { return this; }
     int IsAnROI() override { return 0; }
-    int Void() const override { return m_pImagePtr == nullptr; }
+    int Void() const override { return m_Pixels.m_pImagePtr == nullptr; }
     const void* GetGenericImagePtr(int n32X, int n32Y) const override;
     void* GetGenericImagePtr(int n32X, int n32Y) override;
-    int GetRowPitch() const override { return m_n32BitsPerRow / 8; }
+    int GetRowPitch() const override { return m_Pixels.m_n32BitsPerRow / 8; }
     unsigned int GetBitIndex(int n32X, int n32Y) const override;
+    using KxROI<Pixel>::PartialSerialize;
+    using KxROI<Pixel>::VersionLessPartialSerialize;
     void VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int un32Align) override;
-    void VersionLessPartialSerialize(std::FILE* pFile, int bWriting, unsigned int un32Align) override;
     void PartialSerialize(KxSerializer* pSerializer) override;
-    void PartialSerialize(std::FILE* pFile, int bWriting) override;
     void Serialize(KxSerializer* pSerializer, unsigned int un32Version) override;
     KxSerializer::ObjectType GetSerializationType() override;
     /// Not supported: throws the int 0.
@@ -93,27 +93,10 @@ protected:
     void MakeEmpty();
 
 private:
-    friend class Zelkor::Kalvo::RecordTransfer;
-    friend class Zelkor::Kalvo::RegionCopy;
     friend struct Zelkor::Kalvo::ImageCore;
 
-    /// What `SetSize` does, but throws.
-    void Resize(int width, int height);
-    /// Gives `copy` the pixels of `source`, which may be another image's, and the size of a pixel. Throws
-    /// KX_ERROR_ALLOCATION.
-    static void CopyPixels(const KxImage& source, KxImage& copy);
-    void TakeBlock(int width, int height);
-    void SerializeFields(KxSerializer& serializer, unsigned version);
-    void ReadPixels(KxSerializer& serializer);
-    void WritePixels(KxSerializer& serializer);
-
     std::uint32_t m_aun32ReservedImage[2] = {};
-    std::unique_ptr<std::uint8_t[]> m_pBuffer;
-    std::uint8_t* m_pImagePtr = nullptr;
-    std::int32_t m_n32BitsPerPixel = Zelkor::Kalvo::PixelTraits<Pixel>::kBitsPerPixel;
-    std::int32_t m_n32BitsPerRow = 0;
-    KxDimensionalValue m_PixelWidth;
-    KxDimensionalValue m_PixelHeight;
+    Zelkor::Kalvo::ImagePixels m_Pixels{Zelkor::Kalvo::PixelTraits<Pixel>::kBitsPerPixel};
 };
 
 /// Exchange the buffers of two images of the same size, else `KX_ERROR_SIZE_MISMATCH`. Everything but the

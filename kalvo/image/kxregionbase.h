@@ -67,6 +67,10 @@ public:
     int GetColPitch() const override;
     int GetRowPitch() const override;
     int GetImgPitch() const override;
+    void VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int un32Align) override;
+    void VersionLessPartialSerialize(std::FILE* pFile, int bWriting, unsigned int un32Align) override;
+    void PartialSerialize(KxSerializer* pSerializer) override;
+    void PartialSerialize(std::FILE* pFile, int bWriting) override;
     void DumpToStream(std::ostream& stream, int n32Indent) const override;
     void DrawMask(HDC hDC, float f32ZoomX, float f32ZoomY, float f32PanX, float f32PanY) override;
     void Draw(Zelkor::DrawAdapter* pSurface, float f32ZoomX, float f32ZoomY, float f32PanX,
@@ -85,7 +89,7 @@ protected:
     void AttachTo(RegionBase* parent);
     void DetachFromParent();
     /// The fields that an archive holds after those of every object.
-    void SerializeFields(KxSerializer& serializer, unsigned version);
+    void SerializeFields(KxSerializer& serializer);
 
     KxVectorTemplate<KxRun> m_MaskRuns;
     std::uint32_t m_aun32ReservedROI[2] = {};
@@ -94,6 +98,7 @@ protected:
     std::int32_t m_n32CursorY = 0;
 
 private:
+    friend struct ImageCore;
     friend class RegionCopy;
     friend class RegionDump;
     friend class RecordTransfer;

@@ -42,17 +42,12 @@ KxROI<Pixel>::~KxROI() {
 
 template <class Pixel>
 KxROI<Pixel>* KxROI<Pixel>::CopyTo(KxROI* pDestination, int bRecursive) const {
-    KxROI* result = pDestination;
-    AtBoundary("KxROI::CopyTo", [&] {
-        if (pDestination == this) return;
-        if (pDestination && !pDestination->IsAnROI()) throw Exception(KX_ERROR_CANNOT_APPLY_TO_IMAGE);
-        auto copy = std::make_unique<KxROI>();
-        RegionCopy::Build(*this, *copy, bRecursive, pDestination);
-        if (pDestination) return RegionCopy::Replace(*this, *copy, *pDestination);
-        RegionCopy::Place(*this, *copy);
-        result = copy.release();
-    });
-    return result;
+    RegionBase* result = pDestination;
+    if (pDestination != this)
+        AtBoundary("KxROI::CopyTo", [&] {
+            result = RegionCopy::CopyTo(*this, pDestination, bRecursive, std::make_unique<KxROI>());
+        });
+    return static_cast<KxROI*>(result);
 }
 
 template <class Pixel>

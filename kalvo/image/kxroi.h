@@ -78,10 +78,6 @@ public:
     int GetBitsPerPixel() const override;
     int GetPlanesPerPixel() const override;
     int Void() const override;
-    void VersionLessPartialSerialize(KxSerializer* pSerializer, unsigned int un32Align) override;
-    void VersionLessPartialSerialize(std::FILE* pFile, int bWriting, unsigned int un32Align) override;
-    void PartialSerialize(KxSerializer* pSerializer) override;
-    void PartialSerialize(std::FILE* pFile, int bWriting) override;
     void Serialize(KxSerializer* pSerializer, unsigned int un32Version) override;
     KxSerializer::ObjectType GetSerializationType() override;
     /// Draw a region of `KxBW8` pixels through a table of 256 greys or colours; nothing when it is void.
@@ -91,9 +87,6 @@ public:
     void Draw(HDC hDC, KxC24Vector* pLut, float f32ZoomX, float f32ZoomY);
     short GetBitsPerPixelCode() const override;
     short GetDataType() override;
-
-private:
-    friend class Zelkor::Kalvo::RecordTransfer;
 };
 
 namespace Zelkor::Kalvo {

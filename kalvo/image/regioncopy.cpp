@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "kalvo/frame/kxexception.h"
-#include "kalvo/image/kximage.h"
+#include "kalvo/image/imagecore.h"
 #include "kalvo/image/regionrows.h"
 #include "kalvo/image/regiontree.h"
 #include "kalvo/pixels/pixeldispatch.h"
@@ -20,6 +20,34 @@ RegionTexts CopyOf(const RegionTexts& texts) {
             CopyOfText(texts.m_pszCommentASCII.get()), CopyOfText(texts.m_pszCommentUnicode.get()),
             CopyOfText(texts.m_pszDateASCII.get()),    CopyOfText(texts.m_pszDateUnicode.get()),
             CopyOfText(texts.m_pszTitleASCII.get()),   CopyOfText(texts.m_pszTitleUnicode.get())};
+}
+
+// An object of the class of a node.
+struct NewClone {
+    std::unique_ptr<RegionBase> clone;
+    bool hasFields = false;  // of a class of the user's own, which copies itself
+    UntypedRegion source;    // when the node is an image, with its copy
+    UntypedRegion copy;
+};
+
+template <class Pixel>
+NewClone MakeClone(const KxGenericROI& node) {
+    NewClone made;
+    if (typeid(node) == typeid(KxROI<Pixel>)) {
+        made.clone = std::make_unique<KxROI<Pixel>>();
+    } else if (typeid(node) == typeid(KxImage<Pixel>)) {
+        auto copy = std::make_unique<KxImage<Pixel>>();
+        made.source =
+            ImageCore::Untyped(const_cast<KxImage<Pixel>&>(dynamic_cast<const KxImage<Pixel>&>(node)));
+        made.copy = ImageCore::Untyped(*copy);
+        made.clone = std::move(copy);
+    } else if (const auto* region = dynamic_cast<const KxROI<Pixel>*>(&node)) {
+        made.clone.reset(region->CreateROIClone(0));
+        if (!made.clone) throw Exception(KX_ERROR_ALLOCATION);
+        RegionTree::Unlink(*made.clone);
+        made.hasFields = true;
+    }
+    return made;
 }
 
 }  // namespace
@@ -51,6 +79,18 @@ void RegionCopy::Replace(const RegionBase& source, RegionBase& copy, RegionBase&
     RegionTree::AttachCopies(destination);
 }
 
+RegionBase* RegionCopy::CopyTo(const RegionBase& source, RegionBase* destination, bool recursive,
+                               std::unique_ptr<RegionBase> copy) {
+    if (destination && !destination->IsAnROI()) throw Exception(KX_ERROR_CANNOT_APPLY_TO_IMAGE);
+    Build(source, *copy, recursive, destination);
+    if (destination) {
+        Replace(source, *copy, *destination);
+        return destination;
+    }
+    Place(source, *copy);
+    return copy.release();
+}
+
 void RegionCopy::CopyFields(const RegionBase& source, RegionBase& copy) {
     copy.m_Texts = CopyOf(source.m_Texts);
     VectorCore<KxRun>::Assign(copy.m_MaskRuns, source.m_MaskRuns);
@@ -73,8 +113,7 @@ void RegionCopy::CopyDescendants(const RegionBase& source, RegionBase& copy, con
     KxGenericROI* parent = &copy;
     for (const KxGenericROI* node = source.GetFirstSubROI(); node;) {
         std::unique_ptr<RegionBase> clone;
-        if (node != excluded)
-            clone = WithPixelType(TypeOf(*node), [&]<class Pixel>() { return CloneOf<Pixel>(*node); });
+        if (node != excluded) clone = CloneOf(*node);
         if (clone) {
             clone->SetAllocated();
             RegionTree::Append(*parent, *clone);
@@ -94,26 +133,14 @@ void RegionCopy::CopyDescendants(const RegionBase& source, RegionBase& copy, con
     }
 }
 
-// A detached copy of one node. Objects of a class of the user's own are copied by that class.
-template <class Pixel>
+// A detached copy of one node; none of a node of another base.
 std::unique_ptr<RegionBase> RegionCopy::CloneOf(const KxGenericROI& node) {
-    const auto* region = dynamic_cast<const KxROI<Pixel>*>(&node);
-    if (!region) return nullptr;
-    if (typeid(node) == typeid(KxROI<Pixel>)) {
-        auto clone = std::make_unique<KxROI<Pixel>>();
-        CopyFields(*region, *clone);
-        return clone;
+    NewClone made = WithPixelType(TypeOf(node), [&]<class Pixel>() { return MakeClone<Pixel>(node); });
+    if (made.clone && !made.hasFields) {
+        CopyFields(static_cast<const RegionBase&>(node), *made.clone);
+        if (made.source.pixels) ImageCore::CopyPixels(*made.source.region, *made.source.pixels, made.copy);
     }
-    if (typeid(node) == typeid(KxImage<Pixel>)) {
-        auto clone = std::make_unique<KxImage<Pixel>>();
-        CopyFields(*region, *clone);
-        clone->CopyPixels(static_cast<const KxImage<Pixel>&>(*region), *clone);
-        return clone;
-    }
-    std::unique_ptr<RegionBase> clone(region->CreateROIClone(0));
-    if (!clone) throw Exception(KX_ERROR_ALLOCATION);
-    RegionTree::Unlink(*clone);
-    return clone;
+    return std::move(made.clone);
 }
 
 }  // namespace Zelkor::Kalvo

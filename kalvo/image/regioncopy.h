@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "kalvo/frame/kxexception.h"
 #include "kalvo/image/kxregionbase.h"
@@ -15,6 +16,10 @@ namespace Zelkor::Kalvo {
 // Works on what regions of all pixel types share; pixels are copied by the class of the image.
 class RegionCopy {
 public:
+    // What `KxROI::CopyTo` does, without tracing: `copy`, a fresh object, becomes the copy, or gives what it
+    // has to `destination`. Throws KX_ERROR_CANNOT_APPLY_TO_IMAGE and KX_ERROR_ALLOCATION.
+    static RegionBase* CopyTo(const RegionBase& source, RegionBase* destination, bool recursive,
+                              std::unique_ptr<RegionBase> copy);
     // Copies the fields of `source` to `copy`, a fresh object, and with `recursive` its descendants, except
     // `excluded` and those below it. Until `Place` the copies belong to `copy`. Throws KX_ERROR_ALLOCATION.
     static void Build(const RegionBase& source, RegionBase& copy, bool recursive,
@@ -25,11 +30,15 @@ public:
     // detached.
     static void Replace(const RegionBase& source, RegionBase& copy, RegionBase& destination) noexcept;
 
+    // Sets a text of a region. Throws KX_ERROR_ALLOCATION; the text is null then.
+    template <class Character>
+    static void SetText(KxGenericROI& region, std::unique_ptr<Character[]> RegionTexts::*field,
+                        const Character* text);
+
 private:
     static void CopyFields(const RegionBase& source, RegionBase& copy);
     static void CopyPlainFields(const RegionBase& source, RegionBase& copy) noexcept;
     static void CopyDescendants(const RegionBase& source, RegionBase& copy, const KxGenericROI* excluded);
-    template <class Pixel>
     static std::unique_ptr<RegionBase> CloneOf(const KxGenericROI& node);
 };
 
@@ -42,6 +51,15 @@ std::unique_ptr<Character[]> CopyOfText(const Character* text) {
     if (!copy) throw Exception(KX_ERROR_ALLOCATION);
     std::copy_n(text, characters, copy.get());
     return copy;
+}
+
+template <class Character>
+void RegionCopy::SetText(KxGenericROI& region, std::unique_ptr<Character[]> RegionTexts::*field,
+                         const Character* text) {
+    std::unique_ptr<Character[]>& own = region.m_Texts.*field;
+    if (text == own.get()) return;
+    const std::unique_ptr<Character[]> previous = std::move(own);  // which the new text may be part of
+    own = CopyOfText(text);
 }
 
 // Whether `region` is of a class of the library's own that has no pixels.

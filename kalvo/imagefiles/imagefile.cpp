@@ -6,6 +6,8 @@
 #include <array>
 
 #include "kalvo/frame/kxexception.h"
+#include "kalvo/image/imagecore.h"
+#include "kalvo/image/regioncopy.h"
 
 namespace Zelkor::Kalvo {
 namespace {
@@ -90,31 +92,14 @@ void RequireSize(const KxGenericROI& region, const InspectedFile::Header& header
         throw Exception(KX_ERROR_SIZE_MISMATCH);
 }
 
-// The image may have regions below it: that they are clipped to the new size is no failure of ours.
-void Resize(KxGenericROI& image, const InspectedFile::Header& header) {
-    const int width = static_cast<int>(header.width);
-    const int height = static_cast<int>(header.height);
-    KxOk();
-    image.SetSize(width, height);
-    const bool isClippedOnly = KxGetError() == KX_ERROR_ROI_OUT_OF_PARENT;
-    if (KxFailure() && !isClippedOnly) throw Exception(KxGetError());
-    if (image.GetWidth() != width || image.GetHeight() != height) throw Exception(KX_ERROR_ALLOCATION);
-    KxOk();
-}
-
 void SetResolution(KxGenericROI& region, const FileResolution& resolution) {
     const bool isKnown = resolution.IsKnown();
     KxMeasurementUnit unit = isKnown ? *resolution.unit : KxUnitNone;
     region.SetResolution(isKnown ? resolution.x : 1, isKnown ? resolution.y : 1, &unit);
 }
 
-// The setters tell only the error slot that they found no memory.
 void SetTexts(KxGenericROI& region, const std::vector<FileText>& texts) {
-    KxOk();
-    for (const FileText& text : texts) {
-        (region.*text.set)(text.value.c_str());
-        if (KxFailure()) throw Exception(KxGetError());
-    }
+    for (const FileText& text : texts) RegionCopy::SetText(region, text.field, text.value.c_str());
 }
 
 }  // namespace
@@ -171,7 +156,9 @@ void Load(const InspectedFile& file, KxGenericROI& destination) {
     const std::vector<FileText> texts = file.Texts();
     const FileResolution resolution = file.Resolution();
     file.RequirePixels();
-    if (!destination.IsAnROI()) Resize(destination, header);
+    if (!destination.IsAnROI())
+        ImageCore::ResizeByItself(destination, static_cast<int>(header.width),
+                                  static_cast<int>(header.height));
     if (destination.Void()) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
     SetResolution(destination, resolution);
     file.ReadPixels(RowsOf(destination), destination.GetBitsPerPixel());

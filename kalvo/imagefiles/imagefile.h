@@ -45,9 +45,9 @@ struct FileResolution {
     FileResolution In(const KxMeasurementUnit& target) const;
 };
 
-// A text of a file, and the setter that takes it.
+// A text of a file, and where regions keep it.
 struct FileText {
-    void (KxGenericROI::*set)(const char*);
+    std::unique_ptr<char[]> RegionTexts::*field;
     std::string value;
 };
 

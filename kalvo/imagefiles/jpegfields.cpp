@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "kalvo/frame/checkedsize.h"
+#include "kalvo/image/imagecore.h"
 #include "kalvo/image/regionrows.h"
 #include "kalvo/imagefiles/jpegcodec.h"
 
@@ -96,8 +97,7 @@ Scaling ScalingOf(KxJpegHandler::ScalingMode mode) {
 }
 
 RegionRows Resized(KxImage<KxC24>& image, int width, int height) {
-    image.SetSize(width, height);
-    if (image.GetWidth() != width || image.GetHeight() != height) throw Exception(KxGetError());
+    ImageCore::ResizeByItself(image, width, height);
     const RegionRows rows = RowsOf(image);
     // An image that wraps a buffer may already have that size, and no memory for it.
     if (!rows.first || std::abs(rows.pitchBytes) < std::int64_t{width} * kBytesPerPixel)

@@ -11,6 +11,7 @@
 #include "kalvo/base/file.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/kxtrace.h"
+#include "kalvo/image/imagecore.h"
 #include "kalvo/imagefiles/imagefile.h"
 #include "kalvo/pixels/pixeldispatch.h"
 
@@ -157,11 +158,7 @@ KxGenericROI* LoadFirstOf(const InspectedFile& file) {
     std::unique_ptr<KxGenericROI> image;
     KX_ERRORS refusal = KX_OK;
     const auto isDoneWith = [&]<class Pixel>(std::type_identity<Pixel>) {
-        try {
-            image = LoadNew<Pixel>(file);
-        } catch (...) {
-            refusal = CurrentExceptionError(KX_ERROR_INTERNAL);
-        }
+        refusal = ErrorOf([&] { image = LoadNew<Pixel>(file); });
         return image || refusal == KX_ERROR_ALLOCATION;
     };
     (isDoneWith(std::type_identity<Pixels>()) || ...);
@@ -173,9 +170,8 @@ KxGenericROI* LoadFirstOf(const InspectedFile& file) {
 std::unique_ptr<KxGenericROI> MakeWithoutPixels(KX_IMAGE_TYPES type, int width, int height) {
     return WithPixelType(type, [&]<class Pixel>() -> std::unique_ptr<KxGenericROI> {
         auto image = std::make_unique<KxImage<Pixel>>();
-        KxOk();
-        image->SetImagePtr(width, height, nullptr);
-        if (KxFailure()) throw Exception(KxGetError());
+        const UntypedRegion untyped = ImageCore::Untyped(*image);
+        ImageCore::Wrap(*untyped.region, *untyped.pixels, width, height, nullptr, 0);
         return image;
     });
 }

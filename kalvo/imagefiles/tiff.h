@@ -49,14 +49,14 @@ inline constexpr std::uint16_t kTiffCentimetre = 3;
 struct TiffText {
     TiffTag tag;
     const char* (KxGenericROI::*get)() const;
-    void (KxGenericROI::*set)(const char*);
+    std::unique_ptr<char[]> RegionTexts::*field;
 };
 
 inline constexpr TiffText kTiffTexts[] = {
-    {TiffTag::DocumentName, &KxGenericROI::GetTitle, &KxGenericROI::SetTitle},
-    {TiffTag::ImageDescription, &KxGenericROI::GetComment, &KxGenericROI::SetComment},
-    {TiffTag::DateTime, &KxGenericROI::GetDate, &KxGenericROI::SetDate},
-    {TiffTag::Artist, &KxGenericROI::GetAuthor, &KxGenericROI::SetAuthor},
+    {TiffTag::DocumentName, &KxGenericROI::GetTitle, &RegionTexts::m_pszTitleASCII},
+    {TiffTag::ImageDescription, &KxGenericROI::GetComment, &RegionTexts::m_pszCommentASCII},
+    {TiffTag::DateTime, &KxGenericROI::GetDate, &RegionTexts::m_pszDateASCII},
+    {TiffTag::Artist, &KxGenericROI::GetAuthor, &RegionTexts::m_pszAuthorASCII},
 };
 
 }  // namespace Zelkor::Kalvo

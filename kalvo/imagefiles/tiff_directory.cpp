@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "kalvo/frame/boundary.h"
+
 namespace Zelkor::Kalvo {
 namespace {
 
@@ -90,17 +92,16 @@ std::uint32_t TiffDirectory::NextAfter(const Entries& entries) const {
 std::uint32_t TiffDirectory::CountDirectories() const {
     constexpr std::size_t kMost = 65535;
     std::unordered_set<std::uint64_t> found;
-    try {
+    const auto follow = [&] {
         Entries entries{m_firstEntry, m_entries.size()};
         while (found.insert(entries.offset).second && found.size() < kMost) {
             const std::uint32_t next = NextAfter(entries);
             if (next == 0) break;
             entries = EntriesAt(next);
         }
-    } catch (const Exception&) {
-        // A file that is cut, or written by a program that left out the last link, has had its last
-        // directory.
-    }
+    };
+    // A file that is cut, or written by a program that left out the last link, has had its last directory.
+    if (ErrorOf(follow) == KX_ERROR_ALLOCATION) throw Exception(KX_ERROR_ALLOCATION);
     return static_cast<std::uint32_t>(found.size());
 }
 

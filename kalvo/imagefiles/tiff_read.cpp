@@ -111,7 +111,7 @@ FileResolution TiffFile::Resolution() const {
 std::vector<FileText> TiffFile::Texts() const {
     std::vector<FileText> texts;
     for (const TiffText& text : kTiffTexts)
-        if (auto value = m_directory.Text(text.tag)) texts.push_back({text.set, std::move(*value)});
+        if (auto value = m_directory.Text(text.tag)) texts.push_back({text.field, std::move(*value)});
     return texts;
 }
 

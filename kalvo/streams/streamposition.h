@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "kalvo/frame/boundary.h"
 #include "kalvo/streams/kxserializer.h"
 
 namespace Zelkor::Kalvo {
@@ -26,10 +27,7 @@ public:
 
     // The failure that brings us here matters more than one of going back.
     ~StreamRewinder() {
-        try {
-            if (m_stream) Rewind();
-        } catch (...) {
-        }
+        if (m_stream) OrNeutral([this] { Rewind(); });
     }
 
     // Leaves the stream where it is now.

@@ -34,10 +34,6 @@ unsigned UnsignedIndex(int index) {
     return index < 0 ? std::numeric_limits<unsigned>::max() : static_cast<unsigned>(index);
 }
 
-void ThrowStoredFailure() {
-    if (KxFailure()) throw Exception(KxGetError());
-}
-
 }  // namespace
 
 namespace Zelkor::Kalvo {
@@ -233,8 +229,7 @@ void KxVectorTemplate<T>::SaveFile(const Character* path, const char* traceName)
         if (!file) throw Exception(KX_ERROR_FILE_OPEN);
         WriteBytes(file.Get(), MakeVectorFileHeader<T>(version));
         KxOk();
-        Serialize(file.Get(), 1, version);
-        ThrowStoredFailure();
+        ThrowWhatItStores([&] { Serialize(file.Get(), 1, version); });
         if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
     });
 }
@@ -251,8 +246,7 @@ void KxVectorTemplate<T>::LoadFile(const Character* path, const char* traceName)
             header != MakeVectorFileHeader<T>(version))
             throw Exception(KX_ERROR_BAD_FILE_FORMAT);
         KxOk();
-        Serialize(file.Get(), 0, version);
-        ThrowStoredFailure();
+        ThrowWhatItStores([&] { Serialize(file.Get(), 0, version); });
         if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
     });
 }
