@@ -66,6 +66,10 @@ std::int32_t WrappedRowBits(int width, int bitsPerPixel, int bitsPerRow) {
 
 }  // namespace
 
+ImagePixels::ImagePixels(int n32BitsPerPixel) : m_n32BitsPerPixel(n32BitsPerPixel) {}
+
+ImagePixels::~ImagePixels() = default;
+
 void ImageCore::Resize(RegionBase& image, ImagePixels& pixels, int width, int height) {
     if (width == image.m_n32Width && height == image.m_n32Height) return;
     AtTracePoint("KxImage::SetSize", [&] {
@@ -133,24 +137,36 @@ void ImageCore::CopyPixels(const RegionBase& source, const ImagePixels& pixels, 
 }
 
 RegionBase* ImageCore::CopyTo(const RegionBase& source, const ImagePixels& pixels,
-                              const UntypedRegion& destination, bool recursive, UntypedRegion (*make)()) {
+                              const UntypedRegion& destination, bool recursive,
+                              UntypedRegion (*make)()) noexcept {
     if (destination.region == &source) return destination.region;
-    Undo undo([&] {
-        if (destination.region) MakeEmpty(*destination.region, *destination.pixels);
+    RegionBase* result = destination.region;
+    AtBoundary("KxImage::CopyTo", [&] {
+        Undo undo([&] {
+            if (destination.region) MakeEmpty(*destination.region, *destination.pixels);
+        });
+        const UntypedRegion made = make();
+        std::unique_ptr<RegionBase> copy(made.region);
+        RegionCopy::Build(source, *copy, recursive, destination.region);
+        const UntypedRegion& holder = destination.region ? destination : made;
+        CopyPixels(source, pixels, holder);
+        if (!source.m_bMaskOffsets)
+            RebaseRuns(copy->m_MaskRuns, pixels.m_pImagePtr, holder.pixels->m_pImagePtr);
+        undo.Keep();
+        if (destination.region) return RegionCopy::Replace(source, *copy, *destination.region);
+        RegionCopy::Place(source, *copy);
+        result = copy.release();
     });
-    const UntypedRegion made = make();
-    std::unique_ptr<RegionBase> copy(made.region);
-    RegionCopy::Build(source, *copy, recursive, destination.region);
-    const UntypedRegion& holder = destination.region ? destination : made;
-    CopyPixels(source, pixels, holder);
-    if (!source.m_bMaskOffsets) RebaseRuns(copy->m_MaskRuns, pixels.m_pImagePtr, holder.pixels->m_pImagePtr);
-    undo.Keep();
-    if (destination.region) {
-        RegionCopy::Replace(source, *copy, *destination.region);
-        return destination.region;
-    }
-    RegionCopy::Place(source, *copy);
-    return copy.release();
+    return result;
+}
+
+void ImageCore::SetSize(RegionBase& image, ImagePixels& pixels, int width, int height) noexcept {
+    AtBoundary(nullptr, [&] { Resize(image, pixels, width, height); });
+}
+
+void ImageCore::SetImagePtr(RegionBase& image, ImagePixels& pixels, int width, int height, void* buffer,
+                            int bitsPerRow) noexcept {
+    AtBoundary("KxImage::SetImagePtr", [&] { Wrap(image, pixels, width, height, buffer, bitsPerRow); });
 }
 
 std::uint8_t* ImageCore::AddressOf(const ImagePixels& pixels, int x, int y) {

@@ -13,7 +13,6 @@ struct UntypedRegion {
     ImagePixels* pixels = nullptr;  // of an image; null for a region
 };
 
-// The members that throw leave tracing to their callers, unless they say so.
 struct ImageCore {
     template <class Pixel>
     static UntypedRegion Untyped(KxImage<Pixel>& image) {
@@ -45,16 +44,19 @@ struct ImageCore {
     // Gives `copy` the pixels of `source`, or a view on the same buffer of the caller, and the size of a
     // pixel. A buffer of the size of the source is kept. Throws KX_ERROR_ALLOCATION.
     static void CopyPixels(const RegionBase& source, const ImagePixels& pixels, const UntypedRegion& copy);
-    // What `KxImage::CopyTo` does, without tracing; `make` makes an image of the source's pixel type. Returns
-    // the destination, or the image that was made. Throws KX_ERROR_ALLOCATION when the destination is empty.
-    static RegionBase* CopyTo(const RegionBase& source, const ImagePixels& pixels,
-                              const UntypedRegion& destination, bool recursive, UntypedRegion (*make)());
 
     // Address of the byte that holds a pixel; null when there are no pixels.
     static std::uint8_t* AddressOf(const ImagePixels& pixels, int x, int y);
     // The bit of that byte, counted from the most significant one, where the pixel starts.
     static unsigned BitOf(const ImagePixels& pixels, int x, int y);
 
+    // The exported members of that name, for every pixel type. `make` makes an image of the source's.
+    static RegionBase* CopyTo(const RegionBase& source, const ImagePixels& pixels,
+                              const UntypedRegion& destination, bool recursive,
+                              UntypedRegion (*make)()) noexcept;
+    static void SetSize(RegionBase& image, ImagePixels& pixels, int width, int height) noexcept;
+    static void SetImagePtr(RegionBase& image, ImagePixels& pixels, int width, int height, void* buffer,
+                            int bitsPerRow) noexcept;
     static void SetPixelDimensions(ImagePixels& pixels, float width, float height, KxMeasurementUnit* unit);
     static void SetResolution(ImagePixels& pixels, float x, float y, KxMeasurementUnit* unit);
     static void SwapPixels(ImagePixels& pixels, ImagePixels& other) noexcept;

@@ -70,6 +70,8 @@ int TopSize(const KxGenericROI& region, int (KxGenericROI::*size)() const, const
 
 }  // namespace
 
+KxGenericROI::KxGenericROI() = default;
+
 KxGenericROI::~KxGenericROI() {
     RegionTree::ReleaseChildren(*this);
     RegionTree::Unlink(*this);

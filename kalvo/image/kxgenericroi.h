@@ -240,7 +240,7 @@ public:
     static void CheckParentChildrenConsistency(const KxGenericROI* pObject);
 
 protected:
-    KxGenericROI() = default;
+    KxGenericROI();
 
     /// Frees the texts; links and placement stay.
     void MakeEmpty();

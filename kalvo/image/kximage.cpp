@@ -52,14 +52,9 @@ void KxImage<Pixel>::MakeEmpty() {
 
 template <class Pixel>
 KxImage<Pixel>* KxImage<Pixel>::CopyTo(KxImage* pDestination, int bRecursive) const {
-    RegionBase* result = pDestination;
-    AtBoundary("KxImage::CopyTo", [&] {
-        UntypedRegion destination;
-        if (pDestination) destination = ImageCore::Untyped(*pDestination);
-        const auto make = [] { return ImageCore::Untyped(*new KxImage); };
-        result = ImageCore::CopyTo(*this, m_Pixels, destination, bRecursive, make);
-    });
-    return static_cast<KxImage*>(result);
+    const auto make = [] { return ImageCore::Untyped(*new KxImage); };
+    const UntypedRegion destination = pDestination ? ImageCore::Untyped(*pDestination) : UntypedRegion();
+    return static_cast<KxImage*>(ImageCore::CopyTo(*this, m_Pixels, destination, bRecursive, make));
 }
 
 template <class Pixel>
@@ -69,7 +64,7 @@ KxROI<Pixel>* KxImage<Pixel>::CreateROIClone(int bRecursive) const {
 
 template <class Pixel>
 void KxImage<Pixel>::SetSize(int n32Width, int n32Height) {
-    AtBoundary(nullptr, [&] { ImageCore::Resize(*this, m_Pixels, n32Width, n32Height); });
+    ImageCore::SetSize(*this, m_Pixels, n32Width, n32Height);
 }
 
 template <class Pixel>
@@ -84,8 +79,7 @@ void KxImage<Pixel>::SetSize(KxGenericROI* pOther) {
 
 template <class Pixel>
 void KxImage<Pixel>::SetImagePtr(int n32Width, int n32Height, void* pPixels, int n32BitsPerRow) {
-    AtBoundary("KxImage::SetImagePtr",
-               [&] { ImageCore::Wrap(*this, m_Pixels, n32Width, n32Height, pPixels, n32BitsPerRow); });
+    ImageCore::SetImagePtr(*this, m_Pixels, n32Width, n32Height, pPixels, n32BitsPerRow);
 }
 
 template <class Pixel>

@@ -4,13 +4,15 @@
 #include <cstdint>
 #include <memory>
 
+#include "kalvo/base/kxexport.h"
 #include "kalvo/measure/kxdimensionalvalue.h"
 
 namespace Zelkor::Kalvo {
 
 /// The pixels of an image: in a buffer of its own, in one of the caller, or none.
-struct ImagePixels {
-    explicit ImagePixels(int n32BitsPerPixel) : m_n32BitsPerPixel(n32BitsPerPixel) {}
+struct KX_API ImagePixels {
+    explicit ImagePixels(int n32BitsPerPixel);
+    ~ImagePixels();
 
     std::unique_ptr<std::uint8_t[]> m_pBuffer;
     std::uint8_t* m_pImagePtr = nullptr;

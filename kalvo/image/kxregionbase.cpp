@@ -48,6 +48,10 @@ std::int64_t BitsPerRow(const KxGenericROI& image) {
 
 }  // namespace
 
+RegionBase::RegionBase() = default;
+
+RegionBase::~RegionBase() = default;
+
 void RegionBase::MakeEmpty() {
     VectorCore<KxRun>::SetCapacity(m_MaskRuns, 0);
     if (IsAnROI()) RegionTree::Unlink(*this);

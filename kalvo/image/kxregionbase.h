@@ -11,6 +11,8 @@ namespace Zelkor::Kalvo {
 /// region is, and `KxImage`.
 class KX_API RegionBase : public KxGenericROI {
 public:
+    ~RegionBase() override;
+
     /// Place and size the region, in pixels of the parent. What lies left of or above the parent is cut off.
     /// Fail with `KX_ERROR_CANNOT_APPLY_TO_IMAGE`, `KX_ERROR_PARAMETER_1_OUT_OF_RANGE` (negative size),
     /// `KX_ERROR_ROI_OUT_OF_PARENT`.
@@ -81,7 +83,7 @@ public:
     int GetSkip() const override;
 
 protected:
-    RegionBase() = default;
+    RegionBase();
 
     /// Leaves the parent, lets go of the children and the mask.
     void MakeEmpty();

@@ -42,12 +42,8 @@ KxROI<Pixel>::~KxROI() {
 
 template <class Pixel>
 KxROI<Pixel>* KxROI<Pixel>::CopyTo(KxROI* pDestination, int bRecursive) const {
-    RegionBase* result = pDestination;
-    if (pDestination != this)
-        AtBoundary("KxROI::CopyTo", [&] {
-            result = RegionCopy::CopyTo(*this, pDestination, bRecursive, std::make_unique<KxROI>());
-        });
-    return static_cast<KxROI*>(result);
+    const auto make = []() -> RegionBase* { return new KxROI; };
+    return static_cast<KxROI*>(RegionCopy::CopyTo(*this, pDestination, bRecursive, make));
 }
 
 template <class Pixel>

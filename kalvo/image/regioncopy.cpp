@@ -5,7 +5,7 @@
 #include <typeinfo>
 #include <utility>
 
-#include "kalvo/frame/kxexception.h"
+#include "kalvo/frame/boundary.h"
 #include "kalvo/image/imagecore.h"
 #include "kalvo/image/regionrows.h"
 #include "kalvo/image/regiontree.h"
@@ -80,15 +80,18 @@ void RegionCopy::Replace(const RegionBase& source, RegionBase& copy, RegionBase&
 }
 
 RegionBase* RegionCopy::CopyTo(const RegionBase& source, RegionBase* destination, bool recursive,
-                               std::unique_ptr<RegionBase> copy) {
-    if (destination && !destination->IsAnROI()) throw Exception(KX_ERROR_CANNOT_APPLY_TO_IMAGE);
-    Build(source, *copy, recursive, destination);
-    if (destination) {
-        Replace(source, *copy, *destination);
-        return destination;
-    }
-    Place(source, *copy);
-    return copy.release();
+                               RegionBase* (*make)()) noexcept {
+    if (destination == &source) return destination;
+    RegionBase* result = destination;
+    AtBoundary("KxROI::CopyTo", [&] {
+        if (destination && !destination->IsAnROI()) throw Exception(KX_ERROR_CANNOT_APPLY_TO_IMAGE);
+        std::unique_ptr<RegionBase> copy(make());
+        Build(source, *copy, recursive, destination);
+        if (destination) return Replace(source, *copy, *destination);
+        Place(source, *copy);
+        result = copy.release();
+    });
+    return result;
 }
 
 void RegionCopy::CopyFields(const RegionBase& source, RegionBase& copy) {

@@ -16,10 +16,9 @@ namespace Zelkor::Kalvo {
 // Works on what regions of all pixel types share; pixels are copied by the class of the image.
 class RegionCopy {
 public:
-    // What `KxROI::CopyTo` does, without tracing: `copy`, a fresh object, becomes the copy, or gives what it
-    // has to `destination`. Throws KX_ERROR_CANNOT_APPLY_TO_IMAGE and KX_ERROR_ALLOCATION.
+    // What `KxROI::CopyTo` does; `make` makes a region of the source's pixel type.
     static RegionBase* CopyTo(const RegionBase& source, RegionBase* destination, bool recursive,
-                              std::unique_ptr<RegionBase> copy);
+                              RegionBase* (*make)()) noexcept;
     // Copies the fields of `source` to `copy`, a fresh object, and with `recursive` its descendants, except
     // `excluded` and those below it. Until `Place` the copies belong to `copy`. Throws KX_ERROR_ALLOCATION.
     static void Build(const RegionBase& source, RegionBase& copy, bool recursive,
