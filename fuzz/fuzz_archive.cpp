@@ -41,11 +41,11 @@ Bytes Saved(const KxGenericROI& object) {
 }
 
 // What one archive of an object says, its next one says too.
-void CheckRoundTrip(const KxGenericROI& object, const ArchivedClass& archivedClass) {
+void CheckRoundTrip(const KxGenericROI& object, const RegionClass& regionClass) {
     const Bytes archive = Saved(object);
     KxMemSerializer reader;
     reader.OpenReader(archive);
-    const std::unique_ptr<KxGenericROI> again = archivedClass.create();
+    const std::unique_ptr<KxGenericROI> again(regionClass.make().region);
     again->Load(&reader);
     Require(KxSuccess() && reader.IsEOS(), "what was saved can be loaded");
     Require(Saved(*again) == archive, "loading loses nothing");
@@ -54,13 +54,13 @@ void CheckRoundTrip(const KxGenericROI& object, const ArchivedClass& archivedCla
 void CheckArchive(const Bytes& bytes) {
     KxMemSerializer reader;
     reader.OpenReader(bytes);
-    const ArchivedClass* archivedClass = FindArchivedClass(reader.GetNextObjectType());
-    if (!archivedClass) archivedClass = FindArchivedClass(KxSerializer::ImageBW8);
-    const std::unique_ptr<KxGenericROI> object = archivedClass->create();
+    const RegionClass* regionClass = FindArchivedClass(reader.GetNextObjectType());
+    if (!regionClass) regionClass = FindArchivedClass(KxSerializer::ImageBW8);
+    const std::unique_ptr<KxGenericROI> object(regionClass->make().region);
     KxOk();
     object->Load(&reader);
     CheckTree(*object);
-    if (BytesLeft(reader) < bytes.size()) return CheckRoundTrip(*object, *archivedClass);
+    if (BytesLeft(reader) < bytes.size()) return CheckRoundTrip(*object, *regionClass);
     Require(KxFailure(), "a failure has a code");
     Require(!object->GetFirstSubROI() && object->GetWidth() == 0 && object->GetHeight() == 0 &&
                 !object->GetAuthor() && object->Void(),

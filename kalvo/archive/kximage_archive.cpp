@@ -7,7 +7,7 @@ using namespace Zelkor::Kalvo;
 
 template <class Pixel>
 void KxImage<Pixel>::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
-    RecordTransfer::Run(pSerializer, *this, RecordTransfer::ClassOf<KxImage>(), un32Version);
+    RecordTransfer::Run(pSerializer, *this, &ClassOf<KxImage>(), un32Version);
 }
 
 template <class Pixel>

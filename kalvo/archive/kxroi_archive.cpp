@@ -11,9 +11,6 @@ using namespace Zelkor::Kalvo;
 
 namespace {
 
-// What an object of no further class archives.
-constexpr ArchivedClass kGenericClass = {.create = nullptr, .untyped = nullptr};
-
 // Text is read in pieces, so that a forged count on a stream of unknown length cannot take more memory than
 // the stream delivers.
 constexpr std::size_t kTextPiece = 65536;
@@ -90,7 +87,7 @@ void KxGenericROI::Load(std::FILE* pFile) {
 }
 
 void KxGenericROI::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
-    RecordTransfer::Run(pSerializer, *this, kGenericClass, un32Version);
+    RecordTransfer::Run(pSerializer, *this, nullptr, un32Version);
 }
 
 void KxGenericROI::SerializeTexts(KxSerializer& serializer) {
@@ -155,7 +152,7 @@ void RegionBase::VersionLessPartialSerialize(std::FILE* pFile, int bWriting, uns
 
 template <class Pixel>
 void KxROI<Pixel>::Serialize(KxSerializer* pSerializer, unsigned int un32Version) {
-    RecordTransfer::Run(pSerializer, *this, RecordTransfer::ClassOf<KxROI>(), un32Version);
+    RecordTransfer::Run(pSerializer, *this, &ClassOf<KxROI>(), un32Version);
 }
 
 template <class Pixel>

@@ -21,8 +21,7 @@ KxSerializer::ObjectType PeekChildType(KxSerializer& stream) {
 
 template <class... Pixels>
 constexpr auto MakeClassTable(std::type_identity<std::tuple<Pixels...>>) {
-    return std::array{&RecordTransfer::ClassOf<KxImage<Pixels>>...,
-                      &RecordTransfer::ClassOf<KxROI<Pixels>>...};
+    return std::array{&ClassOf<KxImage<Pixels>>..., &ClassOf<KxROI<Pixels>>...};
 }
 
 // In the order of the object types, images first.
@@ -30,15 +29,15 @@ constexpr auto kClasses = MakeClassTable(std::type_identity<ArchivedPixelTypes>(
 
 }  // namespace
 
-const ArchivedClass* FindArchivedClass(KxSerializer::ObjectType type) {
+const RegionClass* FindArchivedClass(KxSerializer::ObjectType type) {
     const std::int64_t index = std::int64_t{type} - KxSerializer::ImageBW1;
     if (index < 0 || index >= std::int64_t{kClasses.size()}) return nullptr;
     return &kClasses[static_cast<std::size_t>(index)]();
 }
 
 // Lets go of everything but texts and placement.
-void RecordTransfer::MakeEmpty(KxGenericROI& object, const ArchivedClass& objectClass) {
-    const UntypedRegion untyped = objectClass.untyped ? objectClass.untyped(object) : UntypedRegion();
+void RecordTransfer::MakeEmpty(KxGenericROI& object, const RegionClass* objectClass) {
+    const UntypedRegion untyped = objectClass ? objectClass->untyped(object) : UntypedRegion();
     if (untyped.pixels)
         ImageCore::MakeEmpty(*untyped.region, *untyped.pixels);
     else if (untyped.region)
@@ -52,19 +51,19 @@ RecordTransfer::~RecordTransfer() {
     while (!m_levels.empty()) m_levels.pop_back();
 }
 
-void RecordTransfer::Run(KxSerializer* pStream, KxGenericROI& root, const ArchivedClass& rootClass,
+void RecordTransfer::Run(KxSerializer* pStream, KxGenericROI& root, const RegionClass* rootClass,
                          unsigned version) {
     RecordTransfer(RequireStream(pStream)).Run(root, rootClass, version);
 }
 
-void RecordTransfer::Run(KxGenericROI& root, const ArchivedClass& rootClass, unsigned version) {
+void RecordTransfer::Run(KxGenericROI& root, const RegionClass* rootClass, unsigned version) {
     const auto empty = [&] {
         MakeEmpty(root, rootClass);
         root.MakeEmpty();
         root.m_n32OrgX = root.m_n32OrgY = root.m_n32Width = root.m_n32Height = 0;
     };
     if (m_reading) empty();
-    Level& level = m_levels.emplace_back(&root, &rootClass);
+    Level& level = m_levels.emplace_back(&root, rootClass);
     level.version = version;
     KX_ERRORS failure = ErrorOf([&] { BeginRecord(level); }, KX_ERROR_ARCHIVE_ACCESS);
     while (!failure && !m_levels.empty()) {
@@ -105,10 +104,10 @@ void RecordTransfer::BeginNextChild() {
     Level& parent = m_levels.back();
     --parent.childrenLeft;
     const auto type = m_reading ? PeekChildType(m_stream) : parent.child->GetSerializationType();
-    const ArchivedClass* childClass = FindArchivedClass(type);
+    const RegionClass* childClass = FindArchivedClass(type);
     if (!childClass) throw Exception(KX_ERROR_WRONG_OBJECT_TYPE);
 
-    std::unique_ptr<KxGenericROI> made = m_reading ? childClass->create() : nullptr;
+    std::unique_ptr<KxGenericROI> made(m_reading ? childClass->make().region : nullptr);
     KxGenericROI* object = m_reading ? made.get() : std::exchange(parent.child, parent.child->m_pSibling);
     Level& level = m_levels.emplace_back(object, childClass);
     level.made = std::move(made);
@@ -142,8 +141,8 @@ void RecordTransfer::EndRecord() {
 
 // What follows the placement in the record.
 void RecordTransfer::TransferFields(const Level& level) {
-    if (!level.archivedClass->untyped) return;
-    const UntypedRegion untyped = level.archivedClass->untyped(*level.object);
+    if (!level.objectClass) return;
+    const UntypedRegion untyped = level.objectClass->untyped(*level.object);
     untyped.region->SerializeFields(m_stream);
     if (untyped.pixels) TransferImageFields(untyped, m_stream, level.version);
 }

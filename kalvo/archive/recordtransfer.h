@@ -11,15 +11,9 @@
 #include <type_traits>
 
 #include "kalvo/archive/archivedobject.h"
-#include "kalvo/image/imagecore.h"
+#include "kalvo/image/regionclass.h"
 
 namespace Zelkor::Kalvo {
-
-// What the walk needs to know of a class whose objects are archived.
-struct ArchivedClass {
-    std::unique_ptr<KxGenericROI> (*create)();
-    UntypedRegion (*untyped)(KxGenericROI&);  // null when nothing follows the placement
-};
 
 // The position of a pixel type in the tuple; the number of its types when it is none of them.
 template <class Pixel, class... Pixels>
@@ -48,7 +42,7 @@ KxSerializer::ObjectType RequireObjectTypeOf() {
 }
 
 // The class of that object type; null when archives hold no such object.
-const ArchivedClass* FindArchivedClass(KxSerializer::ObjectType type);
+const RegionClass* FindArchivedClass(KxSerializer::ObjectType type);
 
 // Moves one object, its children and their children between memory and a stream.
 class RecordTransfer {
@@ -56,13 +50,10 @@ public:
     // Deepest nesting of children, read and written.
     static constexpr std::size_t kMaxLevels = 1000;
 
-    // The class `Object` (KxROI<Pixel> or KxImage<Pixel>) as an archived class.
-    template <class Object>
-    static const ArchivedClass& ClassOf();
-
     // Exchanges the record of `root`, without its header. When reading fails the object is left empty, and
     // the code of the first failure is thrown; KX_ERROR_SERIALIZER_NOT_OPEN when there is no stream.
-    static void Run(KxSerializer* pStream, KxGenericROI& root, const ArchivedClass& rootClass,
+    // @param rootClass  null when nothing follows the placement
+    static void Run(KxSerializer* pStream, KxGenericROI& root, const RegionClass* rootClass,
                     unsigned version);
 
     explicit RecordTransfer(KxSerializer& stream) : m_stream(stream), m_reading(stream.IsReading()) {}
@@ -73,11 +64,11 @@ public:
 private:
     // An object whose record has been begun.
     struct Level {
-        Level(KxGenericROI* levelObject, const ArchivedClass* levelClass)
-            : object(levelObject), archivedClass(levelClass) {}
+        Level(KxGenericROI* levelObject, const RegionClass* levelClass)
+            : object(levelObject), objectClass(levelClass) {}
 
         KxGenericROI* object;
-        const ArchivedClass* archivedClass;
+        const RegionClass* objectClass;
         unsigned version = 0;
         std::unique_ptr<KxGenericROI> made;  // reading: owns the object until its parent does
         std::uint32_t childrenLeft = 0;
@@ -85,8 +76,8 @@ private:
         std::optional<StreamRewinder> rewinder;  // none for the root, whose caller rewinds
     };
 
-    void Run(KxGenericROI& root, const ArchivedClass& rootClass, unsigned version);
-    static void MakeEmpty(KxGenericROI& object, const ArchivedClass& objectClass);
+    void Run(KxGenericROI& root, const RegionClass* rootClass, unsigned version);
+    static void MakeEmpty(KxGenericROI& object, const RegionClass* objectClass);
     void Walk();
     void BeginRecord(Level& level);
     void BeginNextChild();
@@ -103,14 +94,5 @@ private:
     KX_ERRORS m_childFailure = KX_OK;  // of the first child that could not be read
     std::deque<Level> m_levels;
 };
-
-template <class Object>
-const ArchivedClass& RecordTransfer::ClassOf() {
-    static constexpr ArchivedClass kClass = {
-        .create = []() -> std::unique_ptr<KxGenericROI> { return std::make_unique<Object>(); },
-        .untyped = [](KxGenericROI& object) { return ImageCore::Untyped(static_cast<Object&>(object)); },
-    };
-    return kClass;
-}
 
 }  // namespace Zelkor::Kalvo

@@ -8,6 +8,7 @@
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/image/pixelblock.h"
+#include "kalvo/image/regionclass.h"
 #include "kalvo/image/regioncopy.h"
 #include "kalvo/image/regiontree.h"
 #include "kalvo/vectors/vectorcore.h"
@@ -138,14 +139,14 @@ void ImageCore::CopyPixels(const RegionBase& source, const ImagePixels& pixels, 
 
 RegionBase* ImageCore::CopyTo(const RegionBase& source, const ImagePixels& pixels,
                               const UntypedRegion& destination, bool recursive,
-                              UntypedRegion (*make)()) noexcept {
+                              const RegionClass& imageClass) noexcept {
     if (destination.region == &source) return destination.region;
     RegionBase* result = destination.region;
     AtBoundary("KxImage::CopyTo", [&] {
         Undo undo([&] {
             if (destination.region) MakeEmpty(*destination.region, *destination.pixels);
         });
-        const UntypedRegion made = make();
+        const UntypedRegion made = imageClass.make();
         std::unique_ptr<RegionBase> copy(made.region);
         RegionCopy::Build(source, *copy, recursive, destination.region);
         const UntypedRegion& holder = destination.region ? destination : made;

@@ -13,6 +13,8 @@ struct UntypedRegion {
     ImagePixels* pixels = nullptr;  // of an image; null for a region
 };
 
+struct RegionClass;
+
 struct ImageCore {
     template <class Pixel>
     static UntypedRegion Untyped(KxImage<Pixel>& image) {
@@ -50,10 +52,10 @@ struct ImageCore {
     // The bit of that byte, counted from the most significant one, where the pixel starts.
     static unsigned BitOf(const ImagePixels& pixels, int x, int y);
 
-    // The exported members of that name, for every pixel type. `make` makes an image of the source's.
+    // The exported members of that name, for an image of that class.
     static RegionBase* CopyTo(const RegionBase& source, const ImagePixels& pixels,
                               const UntypedRegion& destination, bool recursive,
-                              UntypedRegion (*make)()) noexcept;
+                              const RegionClass& imageClass) noexcept;
     static void SetSize(RegionBase& image, ImagePixels& pixels, int width, int height) noexcept;
     static void SetImagePtr(RegionBase& image, ImagePixels& pixels, int width, int height, void* buffer,
                             int bitsPerRow) noexcept;

@@ -6,7 +6,7 @@
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/kxlibrary.h"
-#include "kalvo/image/imagecore.h"
+#include "kalvo/image/regionclass.h"
 
 using namespace Zelkor::Kalvo;
 
@@ -52,9 +52,9 @@ void KxImage<Pixel>::MakeEmpty() {
 
 template <class Pixel>
 KxImage<Pixel>* KxImage<Pixel>::CopyTo(KxImage* pDestination, int bRecursive) const {
-    const auto make = [] { return ImageCore::Untyped(*new KxImage); };
     const UntypedRegion destination = pDestination ? ImageCore::Untyped(*pDestination) : UntypedRegion();
-    return static_cast<KxImage*>(ImageCore::CopyTo(*this, m_Pixels, destination, bRecursive, make));
+    return static_cast<KxImage*>(
+        ImageCore::CopyTo(*this, m_Pixels, destination, bRecursive, ClassOf<KxImage>()));
 }
 
 template <class Pixel>

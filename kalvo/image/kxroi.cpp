@@ -6,6 +6,7 @@
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/kxlibrary.h"
+#include "kalvo/image/regionclass.h"
 #include "kalvo/image/regioncopy.h"
 
 using namespace Zelkor::Kalvo;
@@ -42,8 +43,7 @@ KxROI<Pixel>::~KxROI() {
 
 template <class Pixel>
 KxROI<Pixel>* KxROI<Pixel>::CopyTo(KxROI* pDestination, int bRecursive) const {
-    const auto make = []() -> RegionBase* { return new KxROI; };
-    return static_cast<KxROI*>(RegionCopy::CopyTo(*this, pDestination, bRecursive, make));
+    return static_cast<KxROI*>(RegionCopy::CopyTo(*this, pDestination, bRecursive, ClassOf<KxROI>()));
 }
 
 template <class Pixel>

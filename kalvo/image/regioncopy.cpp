@@ -2,14 +2,12 @@
 
 #include "kalvo/image/regioncopy.h"
 
-#include <typeinfo>
 #include <utility>
 
 #include "kalvo/frame/boundary.h"
-#include "kalvo/image/imagecore.h"
+#include "kalvo/image/regionclass.h"
 #include "kalvo/image/regionrows.h"
 #include "kalvo/image/regiontree.h"
-#include "kalvo/pixels/pixeldispatch.h"
 #include "kalvo/vectors/vectorcore.h"
 
 namespace Zelkor::Kalvo {
@@ -22,39 +20,11 @@ RegionTexts CopyOf(const RegionTexts& texts) {
             CopyOfText(texts.m_pszTitleASCII.get()),   CopyOfText(texts.m_pszTitleUnicode.get())};
 }
 
-// An object of the class of a node.
-struct NewClone {
-    std::unique_ptr<RegionBase> clone;
-    bool hasFields = false;  // of a class of the user's own, which copies itself
-    UntypedRegion source;    // when the node is an image, with its copy
-    UntypedRegion copy;
-};
-
-template <class Pixel>
-NewClone MakeClone(const KxGenericROI& node) {
-    NewClone made;
-    if (typeid(node) == typeid(KxROI<Pixel>)) {
-        made.clone = std::make_unique<KxROI<Pixel>>();
-    } else if (typeid(node) == typeid(KxImage<Pixel>)) {
-        auto copy = std::make_unique<KxImage<Pixel>>();
-        made.source =
-            ImageCore::Untyped(const_cast<KxImage<Pixel>&>(dynamic_cast<const KxImage<Pixel>&>(node)));
-        made.copy = ImageCore::Untyped(*copy);
-        made.clone = std::move(copy);
-    } else if (const auto* region = dynamic_cast<const KxROI<Pixel>*>(&node)) {
-        made.clone.reset(region->CreateROIClone(0));
-        if (!made.clone) throw Exception(KX_ERROR_ALLOCATION);
-        RegionTree::Unlink(*made.clone);
-        made.hasFields = true;
-    }
-    return made;
-}
-
 }  // namespace
 
 bool IsPlainRegion(const KxGenericROI& region) {
-    return WithPixelType(TypeOf(region),
-                         [&]<class Pixel>() { return typeid(region) == typeid(KxROI<Pixel>); });
+    const RegionClass* regionClass = FindRegionClass(TypeOf(region));
+    return regionClass && typeid(region) == regionClass->type;
 }
 
 void RegionCopy::Build(const RegionBase& source, RegionBase& copy, bool recursive,
@@ -80,12 +50,12 @@ void RegionCopy::Replace(const RegionBase& source, RegionBase& copy, RegionBase&
 }
 
 RegionBase* RegionCopy::CopyTo(const RegionBase& source, RegionBase* destination, bool recursive,
-                               RegionBase* (*make)()) noexcept {
+                               const RegionClass& sourceClass) noexcept {
     if (destination == &source) return destination;
     RegionBase* result = destination;
     AtBoundary("KxROI::CopyTo", [&] {
         if (destination && !destination->IsAnROI()) throw Exception(KX_ERROR_CANNOT_APPLY_TO_IMAGE);
-        std::unique_ptr<RegionBase> copy(make());
+        std::unique_ptr<RegionBase> copy(sourceClass.make().region);
         Build(source, *copy, recursive, destination);
         if (destination) return Replace(source, *copy, *destination);
         Place(source, *copy);
@@ -136,14 +106,23 @@ void RegionCopy::CopyDescendants(const RegionBase& source, RegionBase& copy, con
     }
 }
 
-// A detached copy of one node; none of a node of another base.
+// A detached copy of one node, null of a node of another base. Objects of a class of the user's own are
+// copied by that class.
 std::unique_ptr<RegionBase> RegionCopy::CloneOf(const KxGenericROI& node) {
-    NewClone made = WithPixelType(TypeOf(node), [&]<class Pixel>() { return MakeClone<Pixel>(node); });
-    if (made.clone && !made.hasFields) {
-        CopyFields(static_cast<const RegionBase&>(node), *made.clone);
-        if (made.source.pixels) ImageCore::CopyPixels(*made.source.region, *made.source.pixels, made.copy);
+    const KX_IMAGE_TYPES pixelType = TypeOf(node);
+    for (const RegionClass* nodeClass : {FindRegionClass(pixelType), FindImageClass(pixelType)}) {
+        if (!nodeClass || typeid(node) != nodeClass->type) continue;
+        const UntypedRegion source = nodeClass->untyped(const_cast<KxGenericROI&>(node));
+        const UntypedRegion made = nodeClass->make();
+        std::unique_ptr<RegionBase> clone(made.region);
+        CopyFields(*source.region, *clone);
+        if (source.pixels) ImageCore::CopyPixels(*source.region, *source.pixels, made);
+        return clone;
     }
-    return std::move(made.clone);
+    const RegionClass* base = FindRegionClass(pixelType);
+    std::unique_ptr<RegionBase> clone(base ? base->clone(node) : nullptr);
+    if (clone) RegionTree::Unlink(*clone);
+    return clone;
 }
 
 }  // namespace Zelkor::Kalvo

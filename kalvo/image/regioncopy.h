@@ -13,12 +13,14 @@
 
 namespace Zelkor::Kalvo {
 
+struct RegionClass;
+
 // Works on what regions of all pixel types share; pixels are copied by the class of the image.
 class RegionCopy {
 public:
-    // What `KxROI::CopyTo` does; `make` makes a region of the source's pixel type.
+    // What `KxROI::CopyTo` does for a region of that class.
     static RegionBase* CopyTo(const RegionBase& source, RegionBase* destination, bool recursive,
-                              RegionBase* (*make)()) noexcept;
+                              const RegionClass& sourceClass) noexcept;
     // Copies the fields of `source` to `copy`, a fresh object, and with `recursive` its descendants, except
     // `excluded` and those below it. Until `Place` the copies belong to `copy`. Throws KX_ERROR_ALLOCATION.
     static void Build(const RegionBase& source, RegionBase& copy, bool recursive,

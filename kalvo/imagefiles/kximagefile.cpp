@@ -11,9 +11,8 @@
 #include "kalvo/base/file.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/kxtrace.h"
-#include "kalvo/image/imagecore.h"
+#include "kalvo/image/regionclass.h"
 #include "kalvo/imagefiles/imagefile.h"
-#include "kalvo/pixels/pixeldispatch.h"
 
 using namespace Zelkor::Kalvo;
 
@@ -145,35 +144,33 @@ void SaveMember(const KxROI<Pixel>& region, const Character* path, IMAGE_FILE_TY
         Report(KX_ERROR_UNSUPPORTED_IMAGE_TYPE, "KxImage::Save");
 }
 
-template <class Pixel>
-std::unique_ptr<KxGenericROI> LoadNew(const InspectedFile& file) {
-    auto image = std::make_unique<KxImage<Pixel>>();
-    Load(file, *image);
-    return image;
-}
+// The types that `CreateImageFromFile` tries. One that lacks memory might have taken the file, so no further
+// one is tried then.
+constexpr KX_IMAGE_TYPES kTriedTypes[] = {KX_IMAGE_BW1, KX_IMAGE_BW8, KX_IMAGE_BW16, KX_IMAGE_BW32,
+                                          KX_IMAGE_C24, KX_IMAGE_C15, KX_IMAGE_C16};
 
-// A type that lacks memory might have taken the file, so no further one is tried.
-template <class... Pixels>
-KxGenericROI* LoadFirstOf(const InspectedFile& file) {
-    std::unique_ptr<KxGenericROI> image;
+KxGenericROI* LoadFirst(const InspectedFile& file) {
     KX_ERRORS refusal = KX_OK;
-    const auto isDoneWith = [&]<class Pixel>(std::type_identity<Pixel>) {
-        refusal = ErrorOf([&] { image = LoadNew<Pixel>(file); });
-        return image || refusal == KX_ERROR_ALLOCATION;
-    };
-    (isDoneWith(std::type_identity<Pixels>()) || ...);
-    if (!image) throw Exception(refusal);
-    KxOk();
-    return image.release();
+    for (const KX_IMAGE_TYPES type : kTriedTypes) {
+        std::unique_ptr<KxGenericROI> image;
+        refusal = ErrorOf([&] {
+            image.reset(FindImageClass(type)->make().region);
+            Load(file, *image);
+        });
+        if (!refusal) {
+            KxOk();
+            return image.release();
+        }
+        if (refusal == KX_ERROR_ALLOCATION) break;
+    }
+    throw Exception(refusal);
 }
 
 std::unique_ptr<KxGenericROI> MakeWithoutPixels(KX_IMAGE_TYPES type, int width, int height) {
-    return WithPixelType(type, [&]<class Pixel>() -> std::unique_ptr<KxGenericROI> {
-        auto image = std::make_unique<KxImage<Pixel>>();
-        const UntypedRegion untyped = ImageCore::Untyped(*image);
-        ImageCore::Wrap(*untyped.region, *untyped.pixels, width, height, nullptr, 0);
-        return image;
-    });
+    const UntypedRegion made = FindImageClass(type)->make();
+    std::unique_ptr<KxGenericROI> image(made.region);
+    ImageCore::Wrap(*made.region, *made.pixels, width, height, nullptr, 0);
+    return image;
 }
 
 template <class Character>
@@ -256,9 +253,7 @@ KX_FOR_EACH_PIXEL(KX_INSTANTIATE)
 
 KxGenericROI* KxGenericROI::CreateImageFromFile(const char* pszPath) {
     const TraceSilence silence;
-    return AtBoundary(nullptr, [&] {
-        return LoadFirstOf<KxBW1, KxBW8, KxBW16, KxBW32, KxC24, KxC15, KxC16>(ImageFile(pszPath).Inspected());
-    });
+    return AtBoundary(nullptr, [&] { return LoadFirst(ImageFile(pszPath).Inspected()); });
 }
 
 KxGenericROI* KxDescribeImage(const char* pszPath, short& n16FileType, unsigned int& un32Pages) {
