@@ -18,15 +18,19 @@ std::size_t FillBlock(const GatherPlan& plan, std::size_t pixel, std::size_t sou
                       GatherBlock& block) {
     const std::size_t bytes = plan.bytesPerPixel;
     const auto firstByte = [&](std::size_t i) { return bytes * static_cast<std::size_t>(plan.columns[i]); };
-    block.from = std::min(firstByte(pixel), sourceBytes - kBlockBytes);
-    block.to = bytes * pixel;
-    std::size_t end = std::min(plan.columns.size(), pixel + kBlockBytes / bytes);
-    for (std::uint8_t* lane = block.lanes; pixel < end; ++pixel) {
-        const std::size_t offset = firstByte(pixel) - block.from;
-        if (offset + bytes > kBlockBytes) break;
-        for (std::size_t i = 0; i < bytes; ++i) *lane++ = static_cast<std::uint8_t>(offset + i);
+    std::size_t low = firstByte(pixel), high = low, end = pixel + 1;
+    for (const std::size_t most = std::min(plan.columns.size(), pixel + kBlockBytes / bytes); end < most;
+         ++end) {
+        const std::size_t lower = std::min(low, firstByte(end)), higher = std::max(high, firstByte(end));
+        if (higher + bytes - lower > kBlockBytes) break;
+        low = lower, high = higher;
     }
-    return pixel;
+    block.from = std::min(low, sourceBytes - kBlockBytes);
+    block.to = bytes * pixel;
+    for (std::uint8_t* lane = block.lanes; pixel < end; ++pixel)
+        for (std::size_t i = 0; i < bytes; ++i)
+            *lane++ = static_cast<std::uint8_t>(firstByte(pixel) - block.from + i);
+    return end;
 }
 
 template <int kBytesPerPixel>

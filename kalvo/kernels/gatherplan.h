@@ -1,5 +1,5 @@
 #pragma once
-// Which pixels of one row make up another, in increasing order: worked out once, used for many rows.
+// Which pixels of one row make up another: worked out once, used for many rows.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,13 +16,13 @@ struct GatherBlock {
 
 struct GatherPlan {
     std::size_t bytesPerPixel;          // 1 to 4
-    std::vector<std::int32_t> columns;  // for every destination pixel, ascending
+    std::vector<std::int32_t> columns;  // for every destination pixel
     std::vector<GatherBlock> blocks;    // the same by blocks; none for a source row below 16 bytes
 
     std::size_t RowBytes() const { return bytesPerPixel * columns.size(); }
 };
 
-// Takes columns from 0 to `sourceWidth` - 1.
+// Takes columns from 0 to `sourceWidth` - 1, which rise or fall.
 GatherPlan MakeGatherPlan(std::vector<std::int32_t> columns, int sourceWidth, std::size_t bytesPerPixel);
 
 }  // namespace Zelkor::Kernels

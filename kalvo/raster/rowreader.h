@@ -1,9 +1,9 @@
 #pragma once
 // Brings rows of a source into the layout of a destination, stretched.
 
-#include <span>
 #include <vector>
 
+#include "kalvo/kernels/gatherplan.h"
 #include "kalvo/raster/blitaxis.h"
 #include "kalvo/raster/convert.h"
 
@@ -20,20 +20,21 @@ public:
 
     // Where the source itself has the pixels of row y as they are wanted; null when they must be read.
     const std::uint8_t* Find(int y) const {
-        return m_columns.empty() && m_copiesBytes ? m_source.Row(y) + m_bytesPerPixel * m_first : nullptr;
+        return m_isPlain && m_copiesBytes ? m_source.Row(y) + m_bytesPerPixel * m_first : nullptr;
     }
 
-    using Sample = void(const std::uint8_t* row, std::span<const int> columns, std::uint8_t* pixels);
-
 private:
+    const std::uint8_t* WholeBytes(int y);
+
     Surface m_source;
-    int m_first;
-    int m_count;
+    int m_first;  // of the source columns that are taken
+    int m_count;  // of the pixels that are read
+    bool m_isPlain;
     std::ptrdiff_t m_bytesPerPixel;
     RowConverter m_converter;
     bool m_copiesBytes;
-    Sample* m_sample;
-    std::vector<int> m_columns;           // empty when they are neighbours
+    Kernels::GatherPlan m_plan;           // of columns that are no neighbours, from the first one on
+    std::vector<std::uint8_t> m_bits;     // a row of pixels of one bit, as whole bytes
     std::vector<std::uint8_t> m_sampled;  // a row of pixels that are not yet converted
 };
 

@@ -13,44 +13,16 @@
 #include "kalvo/image/regionrows.h"
 #include "kalvo/kernels/gatherplan.h"
 #include "kalvo/kernels/kernels.h"
+#include "kalvo/raster/blitaxis.h"
 
 using namespace Zelkor::Kalvo;
 namespace Kernels = Zelkor::Kernels;
 
 namespace {
 
-// Steps through floor(i * sourceSize / destinationSize) for i = 0, 1, ... without a division.
-class SourceIndex {
-public:
-    SourceIndex(int sourceSize, int destinationSize)
-        : m_whole(sourceSize / destinationSize),
-          m_rest(sourceSize % destinationSize),
-          m_destinationSize(destinationSize) {}
-
-    int operator*() const { return m_index; }
-    void operator++() {
-        m_index += m_whole;
-        m_fraction += m_rest;
-        if (m_fraction < m_destinationSize) return;
-        m_fraction -= m_destinationSize;
-        ++m_index;
-    }
-
-private:
-    int m_whole, m_rest;
-    std::int64_t m_destinationSize;
-    int m_index = 0;
-    std::int64_t m_fraction = 0;
-};
-
-Kernels::GatherPlan PlanColumns(int sourceWidth, int destinationWidth, std::size_t bytesPerPixel) {
-    std::vector<std::int32_t> columns(destinationWidth);
-    SourceIndex index(sourceWidth, destinationWidth);
-    for (std::int32_t& column : columns) {
-        column = *index;
-        ++index;
-    }
-    return Kernels::MakeGatherPlan(std::move(columns), sourceWidth, bytesPerPixel);
+// The whole of a destination that takes the whole of a source, along one axis.
+Zelkor::Platform::VisibleAxis WholeAxis(int sourceSize, int destinationSize) {
+    return {{0, destinationSize, 0, sourceSize, false}, {0, destinationSize}, sourceSize};
 }
 
 // Copies whole pixels, so only their size matters.
@@ -59,12 +31,14 @@ void ResampleNearest(const ConstRegionRows& source, const RegionRows& destinatio
     const std::size_t rowBytes = bytesPerPixel * destination.width;
     const bool sameWidth = source.width == destination.width;
     Kernels::GatherPlan plan{};
-    if (!sameWidth) plan = PlanColumns(source.width, destination.width, bytesPerPixel);
+    if (!sameWidth)
+        plan = Kernels::MakeGatherPlan(WholeAxis(source.width, destination.width).Sources(), source.width,
+                                       bytesPerPixel);
 
-    SourceIndex row(source.height, destination.height);
+    const std::vector<int> rows = WholeAxis(source.height, destination.height).Sources();
     const std::uint8_t* previous = nullptr;
-    for (int y = 0; y < destination.height; ++y, ++row) {
-        const std::uint8_t* from = source.Row(*row);
+    for (int y = 0; y < destination.height; ++y) {
+        const std::uint8_t* from = source.Row(rows[static_cast<std::size_t>(y)]);
         std::uint8_t* to = destination.Row(y);
         if (from == previous)
             std::memmove(to, destination.Row(y - 1), rowBytes);  // rows of a foreign buffer may overlap

@@ -210,12 +210,13 @@ TEST_P(KernelSet, BlendsEveryPairOfBytesAndAnyLength) {
         ASSERT_TRUE(SameOutput(n, n, [&](auto& s, auto* in, auto* out) { s.blendConstant(out, in, n, 77); }));
 }
 
-TEST_P(KernelSet, GathersPixelsOfAnySizeIntoRowsOfAnyLength) {
+TEST_P(KernelSet, GathersPixelsOfAnySizeIntoRowsOfAnyLengthAndDirection) {
     for (const std::size_t bytesPerPixel : {1, 2, 3, 4})
         for (const int sourceWidth : {1, 5, 15, 16, 17, 100, 260})
             for (int width = 0; width <= 260; width += width < 40 ? 1 : 11) {
                 std::vector<std::int32_t> columns(width);
                 for (int i = 0; i < width; ++i) columns[i] = i * sourceWidth / width;
+                if (width % 2 != 0) std::ranges::reverse(columns);
                 const Kernels::GatherPlan plan =
                     Kernels::MakeGatherPlan(std::move(columns), sourceWidth, bytesPerPixel);
                 ASSERT_TRUE(SameOutput(bytesPerPixel * sourceWidth, plan.RowBytes(),
