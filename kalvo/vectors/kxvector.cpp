@@ -200,55 +200,30 @@ void KxVectorTemplate<T>::Serialize(std::FILE* pStream, int bWriting, unsigned i
     });
 }
 
+// Through the member of the object's own class.
+template <class T>
+void KxVectorTemplate<T>::Exchange(void* vector, std::FILE* pStream, int bWriting, unsigned int un32Version) {
+    static_cast<KxVectorTemplate*>(vector)->Serialize(pStream, bWriting, un32Version);
+}
+
 template <class T>
 void KxVectorTemplate<T>::Save(const char* pszPath) {
-    SaveFile(pszPath, "KxVector::Save");
+    SaveVectorFile(pszPath, "KxVector::Save", HeaderFor(*this), {this, Exchange});
 }
 
 template <class T>
 void KxVectorTemplate<T>::Save(const unsigned short* pszPath) {
-    SaveFile(pszPath, "KxVector::Save ( Unicode)");
+    SaveVectorFile(pszPath, "KxVector::Save ( Unicode)", HeaderFor(*this), {this, Exchange});
 }
 
 template <class T>
 void KxVectorTemplate<T>::Load(const char* pszPath) {
-    LoadFile(pszPath, "KxVector::Load");
+    LoadVectorFile(pszPath, "KxVector::Load", kNewestHeader<T>, {this, Exchange});
 }
 
 template <class T>
 void KxVectorTemplate<T>::Load(const unsigned short* pszPath) {
-    LoadFile(pszPath, "KxVector::Load ( Unicode)");
-}
-
-template <class T>
-template <class Character>
-void KxVectorTemplate<T>::SaveFile(const Character* path, const char* traceName) {
-    AtBoundary(traceName, [&] {
-        const std::uint8_t version = ElementFormat<T>(1).CanHold(ElementsOf(*this)) ? 1 : 2;
-        Zelkor::Platform::File file(path, "wb");
-        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
-        WriteBytes(file.Get(), MakeVectorFileHeader<T>(version));
-        KxOk();
-        ThrowWhatItStores([&] { Serialize(file.Get(), 1, version); });
-        if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
-    });
-}
-
-template <class T>
-template <class Character>
-void KxVectorTemplate<T>::LoadFile(const Character* path, const char* traceName) {
-    AtBoundary(traceName, [&] {
-        Zelkor::Platform::File file(path, "rb");
-        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
-        const VectorFileHeader header = ReadBytes<4>(file.Get());
-        const std::uint8_t version = header[2];
-        if (version < 1 || version > ElementFormat<T>::kNewestVersion ||
-            header != MakeVectorFileHeader<T>(version))
-            throw Exception(KX_ERROR_BAD_FILE_FORMAT);
-        KxOk();
-        ThrowWhatItStores([&] { Serialize(file.Get(), 0, version); });
-        if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
-    });
+    LoadVectorFile(pszPath, "KxVector::Load ( Unicode)", kNewestHeader<T>, {this, Exchange});
 }
 
 template class KxVectorTemplate<KxBW8>;

@@ -103,10 +103,7 @@ private:
         if (m_un32NumElements < m_un32MaxElements) m_pData[m_un32NumElements++] = value;
     }
     void Grow(const char* traceName);
-    template <class Character>
-    void SaveFile(const Character* path, const char* traceName);
-    template <class Character>
-    void LoadFile(const Character* path, const char* traceName);
+    static void Exchange(void* vector, std::FILE* pStream, int bWriting, unsigned int un32Version);
 
     std::uint32_t m_un32NumElements = 0;
     std::uint32_t m_un32MaxElements = 0;

@@ -1,4 +1,4 @@
-// The bytes of runs, exchanged in chunks.
+// Files of vectors whatever their elements, and the bytes of runs, exchanged in chunks.
 
 #include "kalvo/vectors/vectorfile.h"
 
@@ -10,9 +10,54 @@ constexpr std::size_t kBytesPerWidestRun = 20;
 
 using Chunk = std::array<std::uint8_t, kRunsPerChunk * kBytesPerWidestRun>;
 
+// Type code and version of a file are those of `newest`, or the version is older.
+bool IsReadable(const VectorFileHeader& header, const VectorFileHeader& newest) {
+    const auto [signature, code, version, checksum] = header;
+    return signature == newest[0] && code == newest[1] && version >= 1 && version <= newest[2] &&
+           checksum == HeaderChecksum(code, version);
+}
+
+// Runs the vector's own member, which resets the slot only when it has elements.
+void Exchange(const StoredVector& stored, std::FILE* stream, int writing, unsigned version) {
+    KxOk();
+    ThrowWhatItStores([&] { stored.exchange(stored.vector, stream, writing, version); });
+}
+
 bool FitsIn32Bits(const void* address) { return reinterpret_cast<std::uintptr_t>(address) <= UINT32_MAX; }
 
 }  // namespace
+
+template <class Character>
+void SaveVectorFile(const Character* path, const char* traceName, const VectorFileHeader& header,
+                    const StoredVector& stored) noexcept {
+    AtBoundary(traceName, [&] {
+        Platform::File file(path, "wb");
+        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+        WriteBytes(file.Get(), header);
+        Exchange(stored, file.Get(), 1, header[2]);
+        if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
+    });
+}
+
+template <class Character>
+void LoadVectorFile(const Character* path, const char* traceName, const VectorFileHeader& newest,
+                    const StoredVector& stored) noexcept {
+    AtBoundary(traceName, [&] {
+        Platform::File file(path, "rb");
+        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+        const VectorFileHeader header = ReadBytes<4>(file.Get());
+        if (!IsReadable(header, newest)) throw Exception(KX_ERROR_BAD_FILE_FORMAT);
+        Exchange(stored, file.Get(), 0, header[2]);
+        if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
+    });
+}
+
+template void SaveVectorFile(const char*, const char*, const VectorFileHeader&, const StoredVector&) noexcept;
+template void SaveVectorFile(const unsigned short*, const char*, const VectorFileHeader&,
+                             const StoredVector&) noexcept;
+template void LoadVectorFile(const char*, const char*, const VectorFileHeader&, const StoredVector&) noexcept;
+template void LoadVectorFile(const unsigned short*, const char*, const VectorFileHeader&,
+                             const StoredVector&) noexcept;
 
 bool ElementFormat<KxRun>::CanHold(std::span<const KxRun> runs) const {
     return m_addressBytes == 8 || std::ranges::all_of(runs, [](const KxRun& run) {

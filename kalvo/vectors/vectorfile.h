@@ -11,10 +11,11 @@
 #include <span>
 
 #include "kalvo/base/file.h"
-#include "kalvo/frame/kxexception.h"
+#include "kalvo/frame/boundary.h"
 #include "kalvo/streams/archiveheader.h"
 #include "kalvo/streams/byteorder.h"
 #include "kalvo/vectors/kxvector.h"
+#include "kalvo/vectors/vectorcore.h"
 
 namespace Zelkor::Kalvo {
 
@@ -81,9 +82,32 @@ private:
 };
 
 template <class T>
+inline constexpr VectorFileHeader kNewestHeader = MakeVectorFileHeader<T>(ElementFormat<T>::kNewestVersion);
+
+template <class T>
 std::span<T> ElementsOf(const KxVectorTemplate<T>& vector) {
     return {vector.GetDataPtr(), vector.GetNumElements()};
 }
+
+// The header of the oldest version that can hold the elements.
+template <class T>
+VectorFileHeader HeaderFor(const KxVectorTemplate<T>& vector) {
+    return MakeVectorFileHeader<T>(ElementFormat<T>(1).CanHold(ElementsOf(vector)) ? 1 : 2);
+}
+
+// A vector without its type, and the member that exchanges its elements with a stream.
+struct StoredVector {
+    void* vector;
+    void (*exchange)(void* vector, std::FILE* stream, int writing, unsigned version);
+};
+
+// What `KxVectorTemplate::Save` and `Load` do, for paths of either kind.
+template <class Character>
+void SaveVectorFile(const Character* path, const char* traceName, const VectorFileHeader& header,
+                    const StoredVector& stored) noexcept;
+template <class Character>
+void LoadVectorFile(const Character* path, const char* traceName, const VectorFileHeader& newest,
+                    const StoredVector& stored) noexcept;
 
 template <std::size_t kBytes>
 void WriteBytes(std::FILE* stream, const std::array<std::uint8_t, kBytes>& bytes) {
@@ -118,12 +142,11 @@ constexpr std::uint64_t BelievableBytes(std::uint64_t present) {
 // Gives the vector exactly `count` elements, keeping those it has.
 template <class T>
 void Resize(KxVectorTemplate<T>& vector, unsigned count) {
-    vector.SetMaxElements(count, 1);
-    if (vector.GetMaxElements() != count) {
+    if (const KX_ERRORS failure = ErrorOf([&] { VectorCore<T>::SetCapacity(vector, count); })) {
         vector.Empty();
-        throw Exception(KX_ERROR_ALLOCATION);
+        throw Exception(failure);
     }
-    vector.SetNumElements(count);
+    VectorCore<T>::SetCount(vector, count);
 }
 
 // Replaces the elements by those of the stream. When it ends early the missing ones are zero.
