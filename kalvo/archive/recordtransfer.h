@@ -12,22 +12,15 @@
 
 #include "kalvo/archive/archivedobject.h"
 #include "kalvo/image/regionclass.h"
+#include "kalvo/pixels/pixeldispatch.h"
 
 namespace Zelkor::Kalvo {
-
-// The position of a pixel type in the tuple; the number of its types when it is none of them.
-template <class Pixel, class... Pixels>
-constexpr std::size_t IndexIn(std::type_identity<std::tuple<Pixels...>>) {
-    std::size_t index = 0;
-    static_cast<void>(((std::is_same_v<Pixel, Pixels> || (++index, false)) || ...));
-    return index;
-}
 
 // The object type of KxROI<Pixel> or KxImage<Pixel>; NoObject for the pixel types that have none.
 template <class Object>
 constexpr KxSerializer::ObjectType ObjectTypeOf() {
     using Pixel = typename Object::PixelType;
-    constexpr std::size_t kIndex = IndexIn<Pixel>(std::type_identity<ArchivedPixelTypes>());
+    constexpr std::size_t kIndex = IndexOfPixel<Pixel>(std::type_identity<ArchivedPixelTypes>());
     if (kIndex == std::tuple_size_v<ArchivedPixelTypes>) return KxSerializer::NoObject;
     const int first = std::is_same_v<Object, KxImage<Pixel>> ? KxSerializer::ImageBW1 : KxSerializer::ROIBW1;
     return static_cast<KxSerializer::ObjectType>(first + static_cast<int>(kIndex));

@@ -2,6 +2,8 @@
 
 #include "kalvo/frame/kxlibrary.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <utility>
 
@@ -14,6 +16,14 @@ namespace {
 constinit int recursiveCopyBehavior = 1;
 constinit int useMmx = 0;
 constinit bool isInitialized = false;
+
+// The build tells it: the project's own version and a fourth number.
+constexpr char kVersion[] = KALVO_VERSION;
+constexpr auto kVersionUnits = [] {
+    std::array<unsigned short, sizeof kVersion> units{};
+    std::ranges::copy(kVersion, units.begin());
+    return units;
+}();
 
 }  // namespace
 
@@ -43,12 +53,9 @@ void InternalDLLMain() {}
 
 void InternalDLLMainExit() {}
 
-const char* KxGetVersion() { return "6.7.1.0"; }
+const char* KxGetVersion() { return kVersion; }
 
-const unsigned short* KxGetVersionUnicode() {
-    static constexpr unsigned short kVersion[] = {'6', '.', '7', '.', '1', '.', '0', 0};
-    return kVersion;
-}
+const unsigned short* KxGetVersionUnicode() { return kVersionUnits.data(); }
 
 void KxSetMMX(int bUse) { useMmx = bUse; }
 

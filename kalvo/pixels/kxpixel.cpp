@@ -4,6 +4,22 @@
 
 #include <iterator>
 
+#include "kalvo/pixels/pixeldispatch.h"
+
+namespace {
+
+using namespace Zelkor::Kalvo;
+
+#define KX_COUNT(Pixel) +1
+#define KX_IS_LISTED(Pixel) \
+    &&IndexOfPixel<Pixel>(std::type_identity<PixelTypes>()) < std::tuple_size_v<PixelTypes>
+static_assert(0 KX_FOR_EACH_PIXEL(KX_COUNT) == std::tuple_size_v<PixelTypes>);
+static_assert(true KX_FOR_EACH_PIXEL(KX_IS_LISTED));
+#undef KX_COUNT
+#undef KX_IS_LISTED
+
+}  // namespace
+
 constinit const KxC24 KxBlack24(0, 0, 0);
 constinit const KxC24 KxRed24(0, 0, 255);
 constinit const KxC24 KxGreen24(0, 255, 0);

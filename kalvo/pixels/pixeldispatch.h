@@ -1,11 +1,20 @@
 #pragma once
-// From the number of a pixel type to code that is compiled for it.
+// From the number of a pixel type to code that is compiled for it, and positions in lists of types.
 
+#include <cstddef>
 #include <type_traits>
 
 #include "kalvo/pixels/kxpixellist.h"
 
 namespace Zelkor::Kalvo {
+
+// The position of a pixel type in a list; the number of its types when it is none of them.
+template <class Pixel, class... Pixels>
+constexpr std::size_t IndexOfPixel(std::type_identity<std::tuple<Pixels...>>) {
+    std::size_t index = 0;
+    static_cast<void>(((std::is_same_v<Pixel, Pixels> || (++index, false)) || ...));
+    return index;
+}
 
 // Calls operation.operator()<Pixel>() for the pixel type with that number and returns its result; a default
 // value when there is none.
