@@ -1,16 +1,10 @@
 // Archives that are broken or forged: each ends with its code, at a price that its size bounds, and leaves an
 // object that still works.
 
-#include <climits>
-#include <new>
-#include <ostream>
+#include "tests/support/test.h"
 
-#include "kalvo/image/kximage.h"
 #include "kalvo/streams/streambytes.h"
 #include "tests/support/archive_builder.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/streams.h"
-#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

@@ -1,13 +1,9 @@
 // Records without header: size and rows of images, placements of regions.
 
-#include <climits>
+#include "tests/support/test.h"
 
 #include "kalvo/base/file.h"
-#include "kalvo/image/kximage.h"
 #include "tests/support/archive_builder.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/streams.h"
-#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

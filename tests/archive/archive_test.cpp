@@ -1,25 +1,14 @@
 // Archives of images and regions: their bytes, what comes back, and what refuses to.
 
+#include "tests/support/test.h"
+
 #include <malloc.h>
+
 #include <pthread.h>
 
-#include <algorithm>
-#include <climits>
-#include <filesystem>
-#include <functional>
-#include <memory>
-#include <string>
-#include <tuple>
-#include <utility>
-
 #include "kalvo/base/file.h"
-#include "kalvo/image/kximage.h"
 #include "kalvo/streams/streambytes.h"
 #include "tests/support/archive_builder.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/pixel_types.h"
-#include "tests/support/streams.h"
-#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

@@ -1,15 +1,6 @@
 // The clock, integer scaling, thread-local slots and recursive locks.
 
-#include "kalvo/base/clock.h"
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <climits>
-#include <thread>
-
-#include "kalvo/base/criticalsection.h"
-#include "kalvo/base/tls.h"
+#include "tests/support/test.h"
 
 namespace {
 

@@ -1,14 +1,8 @@
 // Files with UTF-16 names, their size and position, and how their end is reported.
 
+#include "tests/support/test.h"
+
 #include "kalvo/base/file.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <optional>
-#include <string>
-
-#include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Platform {
 namespace {

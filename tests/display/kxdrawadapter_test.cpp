@@ -1,11 +1,5 @@
 // Lists of points.
 
-#include "kalvo/display/kxdrawadapter.h"
-
-#include <climits>
-
-#include "kalvo/frame/kxexception.h"
-
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {

@@ -1,18 +1,8 @@
 // Drawing on a device context: pixels, shapes, texts, images, and what the context is left like.
 
-#include "kalvo/display/kxgdidrawadapter.h"
-
-#include <climits>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <numbers>
-
-#include "kalvo/display/kximagedisplay.h"
-#include "tests/support/picture.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/pixel_types.h"
 #include "tests/support/test.h"
+
+#include "tests/support/picture.h"
 
 namespace Zelkor::Kalvo {
 namespace {

@@ -1,18 +1,8 @@
 // The drawing members of regions, the older display functions, masks, and images lent out to draw into.
 
-#include "kalvo/display/kximagedisplay.h"
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <thread>
-
-#include "kalvo/display/kxpixelvector.h"
-#include "kalvo/frame/kxthread.h"
-#include "tests/support/picture.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/pixel_types.h"
 #include "tests/support/test.h"
+
+#include "tests/support/picture.h"
 
 namespace Zelkor::Kalvo {
 namespace {

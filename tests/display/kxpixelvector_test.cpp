@@ -1,11 +1,5 @@
 // Pixel vectors: construction, lookup tables, moments. Their plots are tested with the other drawing code.
 
-#include "kalvo/display/kxpixelvector.h"
-
-#include <cmath>
-#include <map>
-
-#include "tests/support/temporary_folder.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

@@ -1,14 +1,9 @@
 // Plots: ranges, layout, the order of what is drawn, and the context left behind.
 
-#include "kalvo/display/kxplot.h"
+#include "tests/support/test.h"
 
-#include <climits>
-#include <cmath>
-
-#include "kalvo/display/kxpixelvector.h"
 #include "tests/support/picture.h"
 #include "tests/support/recording_surface.h"
-#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

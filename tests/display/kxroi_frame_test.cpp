@@ -1,12 +1,8 @@
 // Frames and handles of regions: what is drawn, found and dragged.
 
-#include <climits>
-#include <cmath>
-#include <limits>
-
-#include "kalvo/image/kximage.h"
-#include "tests/support/recording_surface.h"
 #include "tests/support/test.h"
+
+#include "tests/support/recording_surface.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

@@ -1,15 +1,8 @@
 // The error texts: the wording that is easy to "correct" by mistake, and which codes have a text at all.
 
+#include "tests/support/test.h"
+
 #include "kalvo/frame/errortable.h"
-
-#include <algorithm>
-#include <set>
-#include <string_view>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "kalvo/frame/kxerror_codes.h"
 
 namespace Zelkor::Kalvo {
 namespace {

@@ -1,14 +1,9 @@
 // The error slot, the texts of its codes, and how exceptions end in it.
 
-#include "kalvo/frame/kxerror.h"
-
-#include <new>
-#include <thread>
+#include "tests/support/test.h"
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/checkedsize.h"
-#include "tests/support/temporary_folder.h"
-#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

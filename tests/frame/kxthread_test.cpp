@@ -1,15 +1,8 @@
 // The per-thread record from first use to thread end, the library's life cycle, and its settings.
 
-#include "kalvo/frame/kxthread.h"
-
-#include <climits>
-#include <thread>
-
-#include "kalvo/frame/kxlibrary.h"
-#include "kalvo/frame/thread_slot.h"
-#include "tests/support/short_memory.h"
-#include "tests/support/temporary_folder.h"
 #include "tests/support/test.h"
+
+#include "kalvo/frame/thread_slot.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

@@ -1,9 +1,5 @@
 // When the trace functions show a box, and what it says.
 
-#include "kalvo/frame/kxtrace.h"
-
-#include <tuple>
-
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

@@ -1,17 +1,8 @@
 // Bitmaps copied, converted, stretched and mixed, against a slow loop over single pixels that knows the
 // rules.
 
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <cstring>
-#include <optional>
-#include <random>
-#include <vector>
-
-#include "kalvo/gdi/gdi.h"
 #include "kalvo/raster/surface.h"
 
 namespace Zelkor::Platform {

@@ -1,14 +1,6 @@
 // What contexts draw with: modes, pens, brushes, origins, saved states; and rectangles.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <iterator>
-#include <string>
-#include <vector>
-
-#include "kalvo/gdi/gdi.h"
+#include "tests/support/test.h"
 
 namespace {
 

@@ -1,10 +1,6 @@
 // Handles, what is selected into a context, and palettes.
 
-#include <gtest/gtest.h>
-
-#include <vector>
-
-#include "kalvo/gdi/gdi.h"
+#include "tests/support/test.h"
 
 namespace {
 

@@ -1,13 +1,6 @@
 // Regions behind handles, and contexts that draw in one.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <string>
-#include <vector>
-
-#include "kalvo/gdi/gdi.h"
+#include "tests/support/test.h"
 
 namespace {
 

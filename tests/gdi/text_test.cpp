@@ -1,18 +1,7 @@
 // Texts: what they measure, where their pixels go, which bytes are which characters, what is kept of faces.
 
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <numbers>
-#include <string>
-#include <thread>
-#include <vector>
-
-#include "kalvo/gdi/gdi.h"
 #include "kalvo/raster/glyphs.h"
 
 namespace Zelkor::Platform {

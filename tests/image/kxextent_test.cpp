@@ -1,19 +1,8 @@
 // Observable extents and their lists: values, order of calls, listeners that interfere with a broadcast.
 
-#include "kalvo/image/kxextent.h"
-
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <functional>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
+#include "tests/support/test.h"
 
 #include "kalvo/frame/boundary.h"
-#include "kalvo/image/kximage.h"
 
 namespace Zelkor::Kalvo {
 namespace {

@@ -1,11 +1,5 @@
 // The tree of regions: walks, totals, texts, checks, dumps.
 
-#include "kalvo/image/kxgenericroi.h"
-
-#include <sstream>
-
-#include "kalvo/image/kximage.h"
-#include "tests/support/temporary_folder.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

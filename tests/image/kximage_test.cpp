@@ -1,13 +1,5 @@
 // Images: buffers, wrapping, copies, swapping, physical size.
 
-#include "kalvo/image/kximage.h"
-
-#include <memory>
-#include <tuple>
-
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/pixel_types.h"
-#include "tests/support/short_memory.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

@@ -1,10 +1,5 @@
 // Masks of regions: rectangles, ellipses, rings, offsets.
 
-#include <algorithm>
-#include <cmath>
-
-#include "kalvo/image/kximage.h"
-
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

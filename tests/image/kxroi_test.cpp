@@ -1,19 +1,8 @@
 // Regions: attaching, placing, pixel access, copying.
 
-#include "kalvo/image/kxroi.h"
+#include "tests/support/test.h"
 
 #include <pthread.h>
-
-#include <climits>
-#include <deque>
-#include <memory>
-#include <sstream>
-#include <tuple>
-
-#include "kalvo/frame/kxlibrary.h"
-#include "kalvo/image/kximage.h"
-#include "tests/support/pixel_types.h"
-#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

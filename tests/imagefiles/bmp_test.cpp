@@ -1,21 +1,8 @@
 // BMP files: their exact bytes, what loads from them, and files that must be refused.
 
-#include <array>
-#include <climits>
-#include <filesystem>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
+#include "tests/support/test.h"
 
-#include <gtest/gtest.h>
-
-#include "kalvo/frame/kxtrace.h"
-#include "kalvo/imagefiles/kximagefile.h"
 #include "kalvo/streams/byteorder.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/pixel_types.h"
-#include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo {
 namespace {

@@ -1,19 +1,5 @@
 // Choosing and detecting formats, and what the entry points of image files have in common.
 
-#include "kalvo/imagefiles/kximagefile.h"
-
-#include <cstdint>
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
-
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/pixel_types.h"
-#include "tests/support/short_memory.h"
-#include "tests/support/temporary_folder.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {

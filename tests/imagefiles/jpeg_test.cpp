@@ -1,22 +1,12 @@
 // JPEG files: what is written, what loads, and files that must be refused.
 
-#include <malloc.h>
+#include "tests/support/test.h"
+
 #include <sys/resource.h>
 
-#include <cstdlib>
-#include <functional>
-#include <tuple>
-#include <utility>
+#include <malloc.h>
 
-#include <gtest/gtest.h>
-
-#include "kalvo/frame/kxlibrary.h"
-#include "kalvo/frame/kxtrace.h"
-#include "kalvo/imagefiles/kximagefile.h"
 #include "tests/support/jpeg_builder.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/pixel_types.h"
-#include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo {
 namespace {

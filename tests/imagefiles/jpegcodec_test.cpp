@@ -1,9 +1,6 @@
 // The JPEG codec: what it answers, and that it touches only the pixels and bytes it was given.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <tuple>
+#include "tests/support/test.h"
 
 #include "kalvo/imagefiles/jpegcodec.h"
 #include "tests/support/jpeg_builder.h"

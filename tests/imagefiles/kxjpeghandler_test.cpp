@@ -1,14 +1,9 @@
 // The JPEG field handler: interlaced decoding, field files, archives, and what must be refused.
 
-#include <climits>
-#include <tuple>
+#include "tests/support/test.h"
 
 #include "kalvo/imagefiles/jpeghandler_impl.h"
-#include "kalvo/imagefiles/kxjpeghandler.h"
 #include "tests/support/jpeg_builder.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/streams.h"
-#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {
 namespace {

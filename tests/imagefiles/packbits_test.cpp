@@ -1,11 +1,8 @@
 // The exact code that rows become, and decoding in pieces of any size.
 
+#include "tests/support/test.h"
+
 #include "kalvo/imagefiles/packbits.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <numeric>
 
 namespace Zelkor::Kalvo {
 namespace {

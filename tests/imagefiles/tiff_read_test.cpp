@@ -1,14 +1,8 @@
 // Loading TIFF files that are built byte by byte: right ones of every kind, and wrong ones.
 
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
-#include <numeric>
-#include <tuple>
-
-#include "kalvo/frame/kxtrace.h"
-#include "kalvo/imagefiles/kximagefile.h"
 #include "kalvo/streams/byteorder.h"
-#include "tests/support/pixel_bytes.h"
 #include "tests/support/tiff_builder.h"
 
 namespace Zelkor::Kalvo {

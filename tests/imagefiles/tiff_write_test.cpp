@@ -1,17 +1,10 @@
 // The exact bytes of saved TIFF files, and every format read back.
 
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
-#include <utility>
-#include <vector>
-
-#include "kalvo/frame/kxlibrary.h"
-#include "kalvo/frame/kxtrace.h"
-#include "kalvo/image/kximage.h"
 #include "kalvo/imagefiles/imagefile.h"
 #include "kalvo/imagefiles/tiff.h"
 #include "kalvo/streams/byteorder.h"
-#include "tests/support/pixel_bytes.h"
 
 namespace Zelkor::Kalvo {
 namespace {

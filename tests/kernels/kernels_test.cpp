@@ -1,19 +1,10 @@
 // Every available set of kernels against a slow, obvious reference; the portable set is one of them.
 
-#include "kalvo/kernels/kernels.h"
+#include "tests/support/test.h"
 
 #include "kalvo/base/cpu.h"
 #include "kalvo/kernels/gatherplan.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <numeric>
-#include <random>
-#include <string>
-#include <vector>
+#include "kalvo/kernels/kernels.h"
 
 namespace Zelkor::Kalvo {
 

@@ -1,11 +1,5 @@
 // The angle unit: names, factors to the bit, and what an unknown unit leaves behind.
 
-#include "kalvo/measure/kxangle.h"
-
-#include <bit>
-#include <string>
-#include <tuple>
-
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

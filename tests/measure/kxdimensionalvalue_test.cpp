@@ -1,13 +1,8 @@
 // Dimensional values: conversion, and the three versions of the archive record byte by byte.
 
-#include "kalvo/measure/kxdimensionalvalue.h"
-
-#include <string>
-#include <tuple>
+#include "tests/support/test.h"
 
 #include "tests/support/archive_builder.h"
-#include "tests/support/streams.h"
-#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {

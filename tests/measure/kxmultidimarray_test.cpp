@@ -1,13 +1,6 @@
 // Blocks of pointers and data, and the array class on top of them.
 
-#include "kalvo/measure/kxmultidimarray.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <utility>
+#include "tests/support/test.h"
 
 namespace {
 

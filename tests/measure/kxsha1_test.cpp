@@ -1,13 +1,6 @@
 // Known digests, messages in pieces, the folded form.
 
-#include "kalvo/measure/kxsha1.h"
-
-#include <gtest/gtest.h>
-
-#include <iomanip>
-#include <sstream>
-#include <string>
-#include <string_view>
+#include "tests/support/test.h"
 
 namespace {
 

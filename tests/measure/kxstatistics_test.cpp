@@ -1,16 +1,5 @@
 // The ring of samples and its statistics, the stopwatch, and the steps of a search.
 
-#include "kalvo/measure/kxstatistics.h"
-
-#include <climits>
-#include <cmath>
-
-#include "kalvo/base/clock.h"
-#include "kalvo/frame/kxthread.h"
-#include "kalvo/measure/kxangle.h"
-#include "kalvo/measure/kxsearchsteps.h"
-#include "kalvo/measure/kxstopwatch.h"
-#include "tests/support/short_memory.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

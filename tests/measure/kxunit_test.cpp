@@ -1,14 +1,6 @@
 // Length units: the predefined ones to the bit, both forms of the name, and conversion.
 
-#include "kalvo/measure/kxunit.h"
-
-#include <bit>
-#include <cstdint>
-#include <limits>
-#include <string>
-#include <tuple>
-
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
 namespace {
 

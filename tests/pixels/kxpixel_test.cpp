@@ -1,16 +1,6 @@
 // Pixel types as the formats rely on them: sizes, memory order, numbers, texts.
 
-#include "kalvo/pixels/kxpixel.h"
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <bit>
-#include <sstream>
-#include <tuple>
-#include <type_traits>
-
-#include "kalvo/pixels/kxpixellist.h"
+#include "tests/support/test.h"
 
 namespace Zelkor::Kalvo {
 namespace {

@@ -1,12 +1,8 @@
 // Inks against single bits and steps, and shapes drawn with inks that do not cover.
 
+#include "tests/support/test.h"
+
 #include "kalvo/raster/ink.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <random>
-
 #include "kalvo/raster/shapes.h"
 #include "tests/support/canvas.h"
 

@@ -1,11 +1,8 @@
 // Pixels and spans in all layouts, and thin lines against the rule that says which pixels they have.
 
+#include "tests/support/test.h"
+
 #include "kalvo/raster/lines.h"
-
-#include <gtest/gtest.h>
-
-#include <random>
-
 #include "tests/support/canvas.h"
 
 namespace Zelkor::Platform {

@@ -1,15 +1,11 @@
 // Regions against sets of single pixels, and every kind of drawing clipped by one.
 
-#include "kalvo/raster/region.h"
+#include "tests/support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <bitset>
-#include <functional>
-#include <random>
 
 #include "kalvo/raster/blit.h"
+#include "kalvo/raster/region.h"
 #include "kalvo/raster/shapes.h"
 #include "tests/support/canvas.h"
 

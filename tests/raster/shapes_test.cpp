@@ -1,16 +1,9 @@
 // Shapes against slow rules that decide pixel by pixel, the pen's as 1, the brush's as 2; and the functions
 // that draw them.
 
+#include "tests/support/test.h"
+
 #include "kalvo/raster/shapes.h"
-
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <cmath>
-#include <numbers>
-#include <random>
-
-#include "kalvo/gdi/gdi.h"
 #include "tests/support/canvas.h"
 
 namespace Zelkor::Platform {

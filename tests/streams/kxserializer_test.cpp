@@ -1,17 +1,9 @@
 // Archive streams: what the three kinds share, what each does alone, and streams of other makers.
 
-#include "kalvo/streams/kxserializer.h"
-
-#include <filesystem>
-#include <memory>
-#include <tuple>
-
-#include <gtest/gtest.h>
+#include "tests/support/test.h"
 
 #include "kalvo/base/file.h"
 #include "kalvo/streams/streambytes.h"
-#include "tests/support/streams.h"
-#include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo {
 namespace {

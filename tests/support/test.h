@@ -1,14 +1,47 @@
 #pragma once
-// What most tests start from: the test library, the error slot, recorded traces, and a failure checked in a
-// line.
+// What every test starts from: the standard library, the public headers, and what tests share: recorded
+// traces, failures checked in a line, temporary folders, pixels as bytes, streams, shortages of memory.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <chrono>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <iomanip>
+#include <limits>
+#include <map>
+#include <memory>
+#include <new>
+#include <numbers>
+#include <numeric>
+#include <optional>
+#include <random>
+#include <set>
+#include <sstream>
+#include <stdexcept>
 #include <string>
+#include <string_view>
+#include <thread>
+#include <tuple>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
-#include "kalvo/frame/kxerror.h"
+#include "kalvo/kalvo.h"
+#include "tests/support/pixel_bytes.h"
+#include "tests/support/pixel_types.h"
+#include "tests/support/short_memory.h"
+#include "tests/support/streams.h"
+#include "tests/support/temporary_folder.h"
 #include "tests/support/trace_recorder.h"
 
 namespace Zelkor::Kalvo::Testing {

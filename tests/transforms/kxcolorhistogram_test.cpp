@@ -1,12 +1,5 @@
 // Colour cubes: where colours and edges go, which of them are seen, and what is refused.
 
-#include "kalvo/transforms/kxcolorhistogram.h"
-
-#include <cmath>
-#include <functional>
-
-#include "kalvo/image/kximage.h"
-#include "tests/support/pixel_bytes.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

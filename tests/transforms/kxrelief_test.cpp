@@ -1,15 +1,5 @@
 // Reliefs against the formulas as they stand, pixel by pixel, and what is refused.
 
-#include "kalvo/transforms/kxrelief.h"
-
-#include <array>
-#include <cmath>
-#include <functional>
-#include <limits>
-
-#include "kalvo/image/kximage.h"
-#include "kalvo/measure/kxangle.h"
-#include "tests/support/pixel_bytes.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

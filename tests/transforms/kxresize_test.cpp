@@ -1,11 +1,5 @@
 // Resampling: which pixels are taken, which are left alone, and what is refused.
 
-#include "kalvo/transforms/kxresize.h"
-
-#include <limits>
-
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/pixel_types.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

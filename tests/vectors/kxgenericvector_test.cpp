@@ -1,11 +1,5 @@
 // The generic vector: structures, buffers, and access in every item type.
 
-#include "kalvo/vectors/kxgenericvector.h"
-
-#include <climits>
-#include <string>
-#include <vector>
-
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

@@ -1,12 +1,5 @@
 // The typed vector: capacity rules, access to elements, failures.
 
-#include "kalvo/vectors/kxvector.h"
-
-#include <climits>
-#include <memory>
-#include <vector>
-
-#include "tests/support/short_memory.h"
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {

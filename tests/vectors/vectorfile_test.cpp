@@ -1,14 +1,10 @@
 // Vector files byte by byte, and what becomes of bad ones.
 
-#include "kalvo/vectors/vectorfile.h"
+#include "tests/support/test.h"
 
 #include <sys/stat.h>
 
-#include <thread>
-#include <tuple>
-
-#include "tests/support/temporary_folder.h"
-#include "tests/support/test.h"
+#include "kalvo/vectors/vectorfile.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
