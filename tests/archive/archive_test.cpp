@@ -4,8 +4,6 @@
 
 #include <malloc.h>
 
-#include <pthread.h>
-
 #include "kalvo/base/file.h"
 #include "kalvo/streams/streambytes.h"
 #include "tests/support/archive_builder.h"
@@ -45,19 +43,12 @@ void FillBuffer(KxImage<Pixel>& image) {
     for (int i = 0; i < image.GetImgPitch(); ++i) bytes[i] = static_cast<std::uint8_t>(i * 7 + 1);
 }
 
-struct PixelSize {
-    explicit PixelSize(const KxGenericROI& image) {
-        const KxMeasurementUnit* pUnit = nullptr;
-        image.GetPixelDimensions(width, height, pUnit);
-        unit = pUnit->GetName();
-    }
-    PixelSize(float pixelWidth, float pixelHeight, const char* name)
-        : width(pixelWidth), height(pixelHeight), unit(name) {}
-    bool operator==(const PixelSize&) const = default;
-
+std::tuple<float, float, std::string> PixelSize(const KxGenericROI& image) {
     float width = 0, height = 0;
-    std::string unit;
-};
+    const KxMeasurementUnit* unit = nullptr;
+    image.GetPixelDimensions(width, height, unit);
+    return {width, height, unit->GetName()};
+}
 
 class Archive : public testing::Test {
 protected:
@@ -101,11 +92,9 @@ TEST_F(Archive, HasATypeForEveryClassOfObject) {
     int type = 33;
     const auto check = [&](auto pixel) {
         EXPECT_EQ(KxImage<decltype(pixel)>().GetSerializationType(), type);
-        EXPECT_EQ(KxROI<decltype(pixel)>().GetSerializationType(), type + 13);
-        ++type;
+        EXPECT_EQ(KxROI<decltype(pixel)>().GetSerializationType(), type++ + 13);
     };
     std::apply([&](auto... pixels) { (check(pixels), ...); }, ArchivedPixelTypes());
-    EXPECT_EQ(type, 46);
 }
 
 template <class Pixel>
@@ -129,25 +118,19 @@ TYPED_TEST(ArchiveOf, BringsBackImagesAndRegions) {
     for (int round = 0; round < 2; ++round) {
         LoadFrom(archive, loaded);
         EXPECT_TRUE(SamePixels(loaded, image));
+        EXPECT_EQ(TreeOf(loaded), "0 0 37 5 (3 1 20 4 (2 1 5 2), 0 0 1 1)");
+        EXPECT_TRUE(dynamic_cast<KxROI<TypeParam>*>(loaded.GetFirstSubROI()));
+        EXPECT_TRUE(SamePixels(*loaded.GetFirstSubROI(), outer));
         EXPECT_STREQ(loaded.GetTitle(), "title");
-        EXPECT_EQ(loaded.GetAuthorUnicode(), Wide("author"));
         EXPECT_EQ(loaded.GetComment(), nullptr);
-        EXPECT_EQ(loaded.GetMaskOffsets(), 1);
         EXPECT_EQ(loaded.GetMaskRuns().GetNumElements(), 0u);
-        EXPECT_EQ(PixelSize(loaded), PixelSize(0.5f, 0.25f, "mm"));
-        const auto* first = dynamic_cast<KxROI<TypeParam>*>(loaded.GetFirstSubROI());
-        ASSERT_TRUE(first);
-        EXPECT_TRUE(SamePixels(*first, outer));
-        EXPECT_STREQ(first->GetFirstSubROI()->GetDate(), "today");
-        EXPECT_EQ(first->GetFirstSubROI()->GetExtent(), inner.GetExtent());
-        EXPECT_EQ(first->GetNextSiblingROI()->GetExtent(), second.GetExtent());
-        EXPECT_EQ(Saved(loaded), archive);
+        EXPECT_EQ(PixelSize(loaded), std::tuple(0.5f, 0.25f, "mm"));
+        EXPECT_EQ(Saved(loaded), archive) << "texts, mask setting and all else of every object";
     }
     EXPECT_EQ(foreign.GetParent(), nullptr) << "children of the caller are let go";
 
     LoadFrom(archiveOfRegion, second);
     EXPECT_EQ(second.GetParent(), nullptr) << "a region that is loaded leaves its tree";
-    EXPECT_EQ(outer.GetNextSiblingROI(), nullptr);
     EXPECT_EQ(Saved(second), archiveOfRegion);
 }
 
@@ -180,7 +163,6 @@ TEST_F(Archive, KeepsTextsOfAnyLength) {
     region.SetComment("");
     region.SetComment(Wide(longText).c_str());
     region.SetTitle(longText.c_str());
-    loaded.SetComment("old");
     loaded.SetDate("old");
     LoadFrom(Saved(region), loaded);
     EXPECT_STREQ(loaded.GetAuthor(), "a\xE9");
@@ -200,19 +182,16 @@ TEST_F(Archive, RebuildsChildrenOfEveryKind) {
     LoadFrom(Join({Begin(34, 2), Begin(47, 1), colorImage, Place(3, 3, 1, 1), chain,
                    Place(0, 0, 10, 8, KX_COLOR_SYSTEM_LABELIZED), Pixels(8, 192, Bytes(24 * 8, 5))}),
              image);
+    EXPECT_EQ(TreeOf(image), "0 0 10 8 (3 3 1 1 (0 0 2 2 (1 0 1 2)), 5 5 5 3 (0 0 4 3 (2 0 1 1)))");
     EXPECT_EQ(image.GetColorSystem(), KX_COLOR_SYSTEM_LABELIZED);
     auto* color = dynamic_cast<KxImage<KxC24>*>(image.GetFirstSubROI()->GetFirstSubROI());
     ASSERT_TRUE(color);
-    EXPECT_EQ(color->GetExtent(), GenericRoiExtent(0, 0, 2, 2));
     EXPECT_EQ(color->GetColorSystem(), KX_COLOR_SYSTEM_GRAY_LEVEL)
         << "what the parent had when it was linked";
     EXPECT_EQ(dynamic_cast<KxROI<KxC24>*>(color->GetFirstSubROI())->GetPixel(0, 1), KxC24(9, 9, 9));
     EXPECT_EQ(color->GetFirstSubROI()->GetTotalOrgX(), 1) << "its top image is the one next above";
     auto* region = dynamic_cast<Region*>(image.GetFirstSubROI()->GetNextSiblingROI());
-    ASSERT_TRUE(region);
-    EXPECT_EQ(region->GetNextSiblingROI(), nullptr);
     EXPECT_EQ(region->GetFirstSubROI()->GetFirstSubROI()->GetType(), KX_IMAGE_BW1);
-    EXPECT_EQ(region->GetFirstSubROI()->GetFirstSubROI()->GetTotalOrgX(), 7);
     LoadFrom(Saved(image), again);
     EXPECT_EQ(Saved(again), Saved(image));
 
@@ -258,15 +237,14 @@ TEST_F(Archive, KeepsChildrenInsideTheirParent) {
 }
 
 TEST_F(Archive, OfAnEarlierVersionHoldsEarlierPixelSizes) {
-    const Bytes none, early = Numbers({77}), zero = Numbers({0});  // an early unit number means nothing
-    const Bytes betweens[] = {none, none, none, early, zero};
     for (const int version : {0, 1, 2, 3, 4}) {
-        const Bytes& between = betweens[version];
+        // An early unit number means nothing.
+        const Bytes between = version < 3 ? Bytes() : Numbers({version == 3 ? 77 : 0});
         Image image(2, 2);
         LoadFrom(Join({Begin(34, 0, version), Place(0, 0, 1, 1), Numbers({8, 8}), Bytes{42},
                        Dimension(3, between, 0.25f, "quarter"), Dimension(4, between, 0.25f, "quarter")}),
                  image);
-        EXPECT_EQ(PixelSize(image), PixelSize(4, 3, "quarter")) << version;
+        EXPECT_EQ(PixelSize(image), std::tuple(4, 3, "quarter")) << version;
         EXPECT_EQ(image.GetPixel(0, 0), 42);
     }
 }
@@ -360,13 +338,12 @@ TEST_F(Archive, ThatCannotBeSavedLeavesNothingInMemory) {
     Image broken;
     broken.SetImagePtr(3, 3, nullptr);
     Region good(&broken, 1, 1, 1, 1);
-    EXPECT_EQ(Written([&](KxSerializer& writer) {
-                  good.Save(&writer);
-                  broken.Save(&writer);
-                  EXPECT_EQ(KxGetError(), KX_ERROR_IMAGE_MEMORY_ACCESS);
-                  good.Save(&writer);
-              }),
-              Join({Saved(good), Saved(good)}));
+    const Bytes written = Written([&](KxSerializer& writer) {
+        for (const KxGenericROI* object : {static_cast<Region*>(&good), static_cast<Region*>(&broken), &good})
+            object->Save(&writer);
+    });
+    EXPECT_EQ(KxGetError(), KX_ERROR_IMAGE_MEMORY_ACCESS);
+    EXPECT_EQ(written, Join({Saved(good), Saved(good)}));
 }
 
 TEST_F(Archive, NeedsAStream) {
@@ -374,26 +351,24 @@ TEST_F(Archive, NeedsAStream) {
     Region region(&image, 0, 0, 1, 1);
     std::FILE* const noFile = nullptr;
     KxSerializer* const noStream = nullptr;
-    const std::function<void(KxGenericROI&)> operations[] = {
-        [&](KxGenericROI& object) { object.Load(noFile); },
-        [&](KxGenericROI& object) { object.Save(noFile); },
-        [&](KxGenericROI& object) { object.Load(noStream); },
-        [&](KxGenericROI& object) { object.Save(noStream); },
-        [&](KxGenericROI& object) { object.PartialSerialize(noFile, 0); },
-        [&](KxGenericROI& object) { object.VersionLessPartialSerialize(noFile, 1, 1); },
-        [&](KxGenericROI& object) { KxSetError(CodeThrownBy([&] { object.PartialSerialize(noStream); })); },
-        [&](KxGenericROI& object) { KxSetError(CodeThrownBy([&] { object.Serialize(noStream, 4); })); },
-    };
-    for (const auto& operation : operations) {
-        for (KxGenericROI* object :
-             {static_cast<KxGenericROI*>(&image), static_cast<KxGenericROI*>(&region)}) {
+    for (KxGenericROI* object : {static_cast<Region*>(&image), &region}) {
+        const std::function<void()> operations[] = {
+            [&] { object->Load(noFile); },
+            [&] { object->Save(noFile); },
+            [&] { object->Load(noStream); },
+            [&] { object->Save(noStream); },
+            [&] { object->PartialSerialize(noFile, 0); },
+            [&] { object->VersionLessPartialSerialize(noFile, 1, 1); },
+            [&] { KxSetError(CodeThrownBy([&] { object->PartialSerialize(noStream); })); },
+            [&] { KxSetError(CodeThrownBy([&] { object->Serialize(noStream, 4); })); },
+        };
+        for (const auto& operation : operations) {
             KxOk();
-            operation(*object);
+            operation();
             EXPECT_EQ(KxGetError(), KX_ERROR_SERIALIZER_NOT_OPEN) << &operation - operations;
         }
     }
-    EXPECT_EQ(image.GetWidth(), 2);
-    EXPECT_EQ(region.GetParent(), &image);
+    EXPECT_EQ(TreeOf(image), "0 0 2 2 (0 0 1 1)");
 }
 
 TEST_F(Archive, GoesThroughStreamsOfOtherMakers) {
@@ -442,25 +417,9 @@ TEST_F(Archive, RecordCanBeExchangedWithoutItsHeader) {
     sibling.Attach(&image);
     const Bytes cut(record.begin(), record.end() - 1);
     EXPECT_EQ(CodeThrownBy([&] { sibling.Serialize(ReaderOf(cut).get(), 4); }), KX_ERROR_FILE_READ);
+    EXPECT_EQ(TreeOf(sibling), "0 0 0 0");
     EXPECT_EQ(sibling.GetParent(), nullptr);
-    EXPECT_EQ(sibling.GetFirstSubROI(), nullptr);
-    EXPECT_EQ(sibling.GetExtent(), GenericRoiExtent());
     KxGenericROI::CheckParentChildrenConsistency(&image);
-}
-
-// Runs an operation on a thread with as small a stack as threads get.
-void RunOnSmallStack(std::function<void()> operation) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, std::max<std::size_t>(PTHREAD_STACK_MIN, 64 * 1024));
-    const auto run = [](void* argument) -> void* {
-        (*static_cast<std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &operation), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
 }
 
 TEST_F(Archive, NestsAThousandLevelsOnAnyThread) {

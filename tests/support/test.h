@@ -3,6 +3,7 @@
 // traces, failures checked in a line, temporary folders, pixels as bytes, streams, shortages of memory.
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <array>
@@ -61,6 +62,32 @@ void ExpectFailure(KX_ERRORS failure, const Names& traceNames, const Operation& 
     EXPECT_EQ(KxGetError(), failure);
     EXPECT_EQ(traces.Functions(), traceNames);
     KxOk();
+}
+
+// The extents of an object and all below it: "10 20 30 40 (0 0 5 5, 1 1 2 2 (0 0 1 1))".
+inline std::string TreeOf(const KxGenericROI& object) {
+    std::ostringstream text;
+    text << object.GetOrgX() << ' ' << object.GetOrgY() << ' ' << object.GetWidth() << ' '
+         << object.GetHeight();
+    for (const KxGenericROI* child = object.GetFirstSubROI(); child; child = child->GetNextSiblingROI())
+        text << (child == object.GetFirstSubROI() ? " (" : ", ") << TreeOf(*child);
+    text << (object.GetFirstSubROI() ? ")" : "");
+    return text.str();
+}
+
+// Runs an operation on a thread with as small a stack as threads get.
+inline void RunOnSmallStack(std::function<void()> operation) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, std::max<std::size_t>(PTHREAD_STACK_MIN, 64 * 1024));
+    const auto run = [](void* argument) -> void* {
+        (*static_cast<std::function<void()>*>(argument))();
+        return nullptr;
+    };
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &operation), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
 }
 
 }  // namespace Zelkor::Kalvo::Testing
