@@ -1,43 +1,16 @@
 // What contexts draw with: modes, pens, brushes, origins, saved states; and rectangles.
 
-#include "tests/support/test.h"
+#include "tests/support/section.h"
 
 namespace {
 
-// An 8-bit bitmap whose index i shows the grey i, or the 32-bit one of the same size.
-struct Sheet {
-    static constexpr int kWidth = 16, kHeight = 9;
+using Zelkor::Kalvo::Testing::Section;
 
-    explicit Sheet(WORD bits = 8) {
-        std::vector<std::uint32_t> memory(10 + 256);
-        auto* info = reinterpret_cast<BITMAPINFO*>(memory.data());
-        info->bmiHeader = {40, kWidth, -kHeight, 1, bits, BI_RGB, 0, 0, 0, 0, 0};
-        for (std::uint32_t i = 0; i < 256; ++i) memory[10 + i] = i * 0x10101;
-        void* memoryOfBitmap = nullptr;
-        bitmap = CreateDIBSection(nullptr, info, DIB_RGB_COLORS, &memoryOfBitmap);
-        pixels = static_cast<std::uint8_t*>(memoryOfBitmap);
-        SelectObject(hdc, bitmap);
-    }
-    ~Sheet() {
-        DeleteDC(hdc);
-        EXPECT_TRUE(DeleteObject(bitmap));
-    }
-    Sheet(const Sheet&) = delete;
+constexpr int kWidth = 16, kHeight = 9;
 
-    // The first columns and rows: ' ' for black, '#' for grey 1, 'o' for grey 2, '+' for others.
-    std::string Picture(int width, int height) const {
-        std::string picture;
-        for (int y = 0; y < height; ++y, picture += '\n')
-            for (int x = 0; x < width; ++x) picture += " #o+"[std::min<int>(pixels[y * kWidth + x], 3)];
-        return picture;
-    }
-    void Fill(BYTE index) { std::fill(pixels, pixels + kWidth * kHeight, index); }
-    // Selects an object and deletes it with the sheet's context.
-    void Select(HGDIOBJ object) { DeleteObject(SelectObject(hdc, object)); }
-
-    HDC hdc = CreateCompatibleDC(nullptr);
-    HBITMAP bitmap = nullptr;
-    std::uint8_t* pixels = nullptr;
+// Pixels of eight bits, whose numbers are their greys.
+struct Sheet : Section {
+    Sheet() : Section(kWidth, kHeight, 8) {}
 };
 
 COLORREF Grey(BYTE level) { return RGB(level, level, level); }
@@ -58,18 +31,18 @@ TEST(GdiDrawing, ModesCombineIndexesAndXorGivesThePictureBack) {
         {R2_MASKPEN, 8},    {R2_NOTXORPEN, 0xF9},   {R2_NOP, 0xA},      {R2_MERGENOTPEN, 0xFB},
         {R2_COPYPEN, 0xC},  {R2_MERGEPENNOT, 0xFD}, {R2_MERGEPEN, 0xE}, {R2_WHITE, 0xFF}};
     for (const auto& [mode, result] : modes) {
-        sheet.pixels[0] = 0xA;
+        sheet.bits[0] = 0xA;
         EXPECT_NE(SetROP2(sheet.hdc, mode), 0);
         MoveToEx(sheet.hdc, 0, 0, nullptr);
         LineTo(sheet.hdc, 1, 0);
-        EXPECT_EQ(sheet.pixels[0], result) << mode;
+        EXPECT_EQ(sheet.bits[0], result) << mode;
     }
     EXPECT_EQ(SetROP2(sheet.hdc, R2_COPYPEN), R2_WHITE);
     SelectObject(sheet.hdc, stock);
     DeleteObject(pen);
 
-    const Sheet opaque(32);
-    auto* const words = reinterpret_cast<std::uint32_t*>(opaque.pixels);
+    const Section opaque(kWidth, kHeight);
+    auto* const words = reinterpret_cast<std::uint32_t*>(opaque.bits);
     words[17] = 0x80123456;
     SetROP2(opaque.hdc, R2_NOT);
     Rectangle(opaque.hdc, 0, 0, 9, 9);
@@ -259,7 +232,7 @@ TEST(GdiContexts, OriginsAddUp) {
     EXPECT_EQ(told.x, INT_MAX - 5);
     EXPECT_EQ(told.y, 2);
     EXPECT_EQ(SetPixel(sheet.hdc, INT_MAX - 6, 2, Grey(1)), Grey(1));
-    EXPECT_EQ(sheet.pixels[3 * Sheet::kWidth + 9], 1);
+    EXPECT_EQ(sheet.bits[3 * kWidth + 9], 1);
     EXPECT_FALSE(OffsetViewportOrgEx(nullptr, 0, 0, nullptr) || GetWindowOrgEx(sheet.hdc, nullptr));
 }
 

@@ -1,6 +1,6 @@
 // Regions behind handles, and contexts that draw in one.
 
-#include "tests/support/test.h"
+#include "tests/support/section.h"
 
 namespace {
 
@@ -8,39 +8,25 @@ constexpr int kWidth = 8, kHeight = 5;
 
 class GdiRegions : public testing::Test {
 protected:
-    GdiRegions() {
-        BITMAPINFO info{};
-        info.bmiHeader = {40, kWidth, -kHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-        bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&pixels));
-        SelectObject(hdc, bitmap);
-    }
-    ~GdiRegions() override {
-        DeleteDC(hdc);
-        for (const HGDIOBJ object : {HGDIOBJ{bitmap}, HGDIOBJ{box}, HGDIOBJ{other}})
-            EXPECT_TRUE(DeleteObject(object));
-    }
+    ~GdiRegions() override { EXPECT_TRUE(DeleteObject(box) && DeleteObject(other)); }
 
     // What the context draws in, as a box drawn over all of it shows.
     std::string Drawn() {
-        std::fill(pixels, pixels + kWidth * kHeight, 0u);
-        const POINT origin = [&] {
-            POINT previous;
-            SetViewportOrgEx(hdc, 0, 0, &previous);
-            return previous;
-        }();
+        section.Fill(0);
+        POINT origin;
+        SetViewportOrgEx(hdc, 0, 0, &origin);
         Rectangle(hdc, -1, -1, kWidth + 2, kHeight + 2);
         SetViewportOrgEx(hdc, origin.x, origin.y, nullptr);
         std::string picture;
         for (int i = 0; i < kWidth * kHeight; ++i) {
-            picture += pixels[i] ? '#' : '.';
+            picture += section.bits[4 * i] ? '#' : '.';
             if (i % kWidth == kWidth - 1) picture += ' ';
         }
         return picture;
     }
 
-    HDC hdc = CreateCompatibleDC(nullptr);
-    HBITMAP bitmap = nullptr;
-    std::uint32_t* pixels = nullptr;
+    Zelkor::Kalvo::Testing::Section section{kWidth, kHeight};
+    const HDC hdc = section.hdc;
     HRGN box = CreateRectRgn(5, 4, 1, 1), other = CreateRectRgn(3, 2, 20, 20);
 };
 
@@ -92,7 +78,7 @@ TEST_F(GdiRegions, ContextsDrawInACopyOfWhatIsSelected) {
     EXPECT_EQ(IntersectClipRect(hdc, 0, 0, 0, 9), NULLREGION);
     EXPECT_EQ(Drawn(), "........ ........ ........ ........ ........ ");
     EXPECT_EQ(SelectObject(hdc, other), reinterpret_cast<HGDIOBJ>(std::intptr_t{COMPLEXREGION}));
-    EXPECT_EQ(SelectClipRgn(hdc, bitmap ? reinterpret_cast<HRGN>(bitmap) : nullptr), ERROR);
+    EXPECT_EQ(SelectClipRgn(hdc, reinterpret_cast<HRGN>(section.bitmap)), ERROR);
     EXPECT_EQ(SelectClipRgn(hdc, nullptr), SIMPLEREGION);
     EXPECT_EQ(Drawn(), "######## ######## ######## ######## ######## ");
     EXPECT_EQ(SelectClipRgn(nullptr, box), ERROR);
@@ -100,18 +86,18 @@ TEST_F(GdiRegions, ContextsDrawInACopyOfWhatIsSelected) {
 
 TEST_F(GdiRegions, ClipTexts) {
     const auto draw = [&] {
-        std::fill(pixels, pixels + kWidth * kHeight, 0u);
+        section.Fill(0);
         RECT rect{0, 0, kWidth, kHeight};
         EXPECT_GT(DrawTextA(hdc, "Mm", -1, &rect, DT_NOCLIP), 0);
-        return std::vector<std::uint32_t>(pixels, pixels + kWidth * kHeight);
+        return std::vector<std::uint8_t>(section.bits, section.bits + section.bytes);
     };
     SetTextColor(hdc, RGB(0, 0, 9));
     SetBkColor(hdc, RGB(9, 0, 0));
-    std::vector<std::uint32_t> expected = draw();
+    std::vector<std::uint8_t> expected = draw();
     CombineRgn(other, other, box, RGN_XOR);
     SelectClipRgn(hdc, other);
-    for (int i = 0; i < kWidth * kHeight; ++i)
-        if (!PtInRegion(other, i % kWidth, i / kWidth)) expected[i] = 0;
+    for (int i = 0; i < 4 * kWidth * kHeight; ++i)
+        if (!PtInRegion(other, i / 4 % kWidth, i / 4 / kWidth)) expected[i] = 0;
     EXPECT_EQ(draw(), expected);
 }
 

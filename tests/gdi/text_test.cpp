@@ -1,6 +1,6 @@
 // Texts: what they measure, where their pixels go, which bytes are which characters, what is kept of faces.
 
-#include "tests/support/test.h"
+#include "tests/support/section.h"
 
 #include "kalvo/raster/glyphs.h"
 
@@ -16,23 +16,13 @@ LOGFONTA MakeFont(int height, int weight = 400, bool isItalic = false, const cha
 }
 
 // A white square with a font of its own; texts leave what is around their strokes.
-struct Canvas {
-    explicit Canvas(const LOGFONTA& font = MakeFont(-13), WORD bits = 32, int sizeOf = 128) : size(sizeOf) {
-        struct {
-            BITMAPINFOHEADER header;
-            RGBQUAD colors[256];
-        } info{{40, size, size, 1, bits, BI_RGB, 0, 0, 0, 0, 0}, {}};
-        info.colors[1] = info.colors[255] = {255, 255, 255, 0};
-        void* pixels = nullptr;
-        SelectObject(dc, bitmap = CreateDIBSection(dc, reinterpret_cast<const BITMAPINFO*>(&info),
-                                                   DIB_RGB_COLORS, &pixels));
-        std::memset(pixels, 0xFF, (static_cast<std::size_t>(size) * bits + 31) / 32 * 4 * size);
-        SelectObject(dc, logical = CreateFontIndirectA(&font));
+struct Canvas : Kalvo::Testing::Section {
+    explicit Canvas(const LOGFONTA& font = MakeFont(-13), WORD bitsPerPixel = 32, int size = 128)
+        : Section(size, size, bitsPerPixel, 0xFF), dc(hdc) {
+        Select(CreateFontIndirectA(&font));
         SetBkMode(dc, TRANSPARENT);
     }
-    ~Canvas() {
-        for (const HGDIOBJ object : {HGDIOBJ{dc}, logical, bitmap}) DeleteObject(object);
-    }
+    ~Canvas() { Select(GetStockObject(SYSTEM_FONT)); }
 
     Canvas& Out(int x, int y, const std::string& text) {
         EXPECT_EQ(TextOutA(dc, x, y, text.data(), static_cast<int>(text.size())), 1);
@@ -40,7 +30,7 @@ struct Canvas {
     }
     Canvas& Draw(const RECT& rect, const char* text, UINT format) {
         drawn = rect;
-        height = DrawTextA(dc, text, -1, &drawn, format);
+        drawnHeight = DrawTextA(dc, text, -1, &drawn, format);
         return *this;
     }
     SIZE Extent(const std::string& text) const {
@@ -48,18 +38,9 @@ struct Canvas {
         EXPECT_EQ(GetTextExtentPoint32A(dc, text.data(), static_cast<int>(text.size()), &extent), 1);
         return extent;
     }
-    std::vector<COLORREF> Pixels(int left, int top, int width, int rows) const {
-        std::vector<COLORREF> pixels;
-        for (int i = 0; i < width * rows; ++i)
-            pixels.push_back(GetPixel(dc, left + i % width, top + i / width));
-        return pixels;
-    }
-    std::vector<COLORREF> Pixels() const { return Pixels(0, 0, size, size); }
-    auto Count(COLORREF color) const { return std::ranges::count(Pixels(), color); }
 
-    const HDC dc = CreateCompatibleDC(nullptr);
-    HGDIOBJ bitmap = nullptr, logical = nullptr;
-    int size, height = 0;
+    const HDC dc;
+    int drawnHeight = 0;
     RECT drawn{};
 };
 
@@ -91,7 +72,6 @@ TEST(TextOut, HonoursAlignmentAndMovesThePosition) {
         canvas.Out(INT_MAX, INT_MIN, "Hg");
         MoveToEx(canvas.dc, 0, 0, &position);
         EXPECT_EQ(position.x, 50 + moved) << align;
-        SetViewportOrgEx(canvas.dc, 0, 0, nullptr);
         EXPECT_EQ(canvas.Pixels(), Canvas().Out(60 + left, 60 + top, "Hg").Pixels()) << align;
     }
     Canvas letter;  // stands on the baseline, which is the first row below
@@ -108,11 +88,11 @@ struct Cloud {
 Cloud CloudOf(const Canvas& canvas, bool (*belongs)(COLORREF)) {
     Cloud cloud;
     const std::vector<COLORREF> pixels = canvas.Pixels();
-    for (int i = 0; i < canvas.size * canvas.size; ++i) {
+    for (int i = 0; i < canvas.width * canvas.width; ++i) {
         if (!belongs(pixels[i])) continue;
         ++cloud.count;
-        cloud.x += i % canvas.size + 0.5;
-        cloud.y += i / canvas.size + 0.5;
+        cloud.x += i % canvas.width + 0.5;
+        cloud.y += i / canvas.width + 0.5;
     }
     return {cloud.count, cloud.x / cloud.count, cloud.y / cloud.count};
 }
@@ -233,7 +213,7 @@ TEST(DrawText, PlacesLinesInTheRectangle) {
         SetTextAlign(lines.dc, TA_RIGHT | TA_BOTTOM);
         expected.Out(wideLeft, 20, "Wide&").Out(narrowLeft, 20 + line, "i");
         EXPECT_EQ(lines.Draw(rect, text, format).Pixels(), expected.Pixels());
-        EXPECT_EQ(lines.height, 2 * line);
+        EXPECT_EQ(lines.drawnHeight, 2 * line);
     }
     EXPECT_EQ(Canvas().Draw(rect, "a\nb", DT_SINGLELINE | DT_VCENTER).Pixels(),
               Canvas().Out(10, 20 + (100 - line) / 2, "ab").Pixels());
@@ -242,18 +222,17 @@ TEST(DrawText, PlacesLinesInTheRectangle) {
     EXPECT_EQ(measured.Draw({10, 20, 0, 0}, text, DT_CALCRECT).drawn.right, 10 + wide);
     EXPECT_EQ(measured.drawn.bottom, 20 + 2 * line);
     EXPECT_EQ(measured.Draw({INT_MAX, INT_MAX, INT_MIN, INT_MIN}, "x", DT_CENTER | DT_NOCLIP).Count(kInk), 0);
-    EXPECT_EQ(measured.Draw(rect, "", DT_CENTER).height, line);
+    EXPECT_EQ(measured.Draw(rect, "", DT_CENTER).drawnHeight, line);
     // One line that does not begin at the top: how far down it ends.
-    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_BOTTOM).height, 100);
-    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_VCENTER).height, (100 - line) / 2 + line);
-    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_BOTTOM | DT_CALCRECT).height, line);
+    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_BOTTOM).drawnHeight, 100);
+    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_VCENTER).drawnHeight, (100 - line) / 2 + line);
+    EXPECT_EQ(measured.Draw(rect, "x", DT_SINGLELINE | DT_BOTTOM | DT_CALCRECT).drawnHeight, line);
 }
 
 TEST(DrawText, KeepsToTheRectangleUnlessTold) {
     Canvas cut, plain;
     SetViewportOrgEx(cut.dc, -3, 5, nullptr);
     cut.Draw({25, 15, 34, 25}, "MMM", 0);
-    SetViewportOrgEx(cut.dc, 0, 0, nullptr);
     plain.Out(22, 20, "MMM");
     EXPECT_EQ(cut.Pixels(22, 20, 9, 10), plain.Pixels(22, 20, 9, 10));
     EXPECT_EQ(std::ranges::count(cut.Pixels(22, 20, 9, 10), kInk), cut.Count(kInk));
@@ -360,7 +339,7 @@ TEST(Fonts, MayBeMissingAltogether) {
         Canvas canvas;
         const SIZE size = canvas.Extent("text");
         canvas.Out(1, 1, "text").Draw({1, 1, 100, 100}, "text", 0);
-        return size.cx == 0 && size.cy == 0 && canvas.height == 0 && canvas.Count(kInk) == 0;
+        return size.cx == 0 && size.cy == 0 && canvas.drawnHeight == 0 && canvas.Count(kInk) == 0;
     };
     EXPECT_EXIT(std::_Exit(showsNothingWithoutFonts() ? 0 : 1), testing::ExitedWithCode(0), "");
     EXPECT_EQ(SizedFace::Open({{"/no/such/file"}, {"/dev/null"}}, {}, {-13}), nullptr);

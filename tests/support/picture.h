@@ -1,51 +1,27 @@
 #pragma once
 // A memory context to draw on, what regions must look like there, and a surface that notes its own calls.
 
-#include <gtest/gtest.h>
-
-#include <new>
-#include <tuple>
-#include <vector>
-
-#include "kalvo/display/kxgdidrawadapter.h"
-#include "kalvo/gdi/gdi.h"
-#include "kalvo/image/kximage.h"
+#include "tests/support/section.h"
 
 namespace Zelkor::Kalvo::Testing {
 
 constexpr COLORREF kPaper = RGB(10, 200, 90);
 
-// A context with a 32-bit bitmap, filled with paper.
-class Screen {
-public:
+// A section filled with paper.
+struct Screen : Section {
     static constexpr int width = 70, height = 60;
 
-    Screen() {
-        BITMAPINFO info{{40, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
-        SelectObject(hdc, m_bitmap = CreateDIBSection(hdc, &info, DIB_RGB_COLORS, &m_bits));
-        Clear();
-    }
-    ~Screen() { DeleteDC(hdc), DeleteObject(m_bitmap); }
-    Screen(const Screen&) = delete;
+    Screen() : Section(width, height) { Clear(); }
 
     void Clear() {
         for (int i = 0; i < width * height; ++i)
-            static_cast<DWORD*>(m_bits)[i] =
+            reinterpret_cast<DWORD*>(bits)[i] =
                 GetRValue(kPaper) << 16 | GetGValue(kPaper) << 8 | GetBValue(kPaper);
     }
+    // Counted from the origin of the context.
     COLORREF operator()(int x, int y) const { return GetPixel(hdc, x, y); }
     // How many pixels are not paper.
-    int Marks() const {
-        int marks = 0;
-        for (int i = 0; i < width * height; ++i) marks += (*this)(i % width, i / width) != kPaper;
-        return marks;
-    }
-
-    const HDC hdc = CreateCompatibleDC(nullptr);
-
-private:
-    HBITMAP m_bitmap;
-    void* m_bits = nullptr;
+    int Marks() const { return width * height - static_cast<int>(Count(kPaper)); }
 };
 
 // The colour that a device shows for a pixel.

@@ -1,4 +1,4 @@
-// Pixels and spans in all layouts, and thin lines against the rule that says which pixels they have.
+// Pixels and spans in all layouts.
 
 #include "tests/support/test.h"
 
@@ -38,35 +38,6 @@ TEST(GdiSurface, ColoursComeBackAsNearAsTheLayoutHasThem) {
     EXPECT_EQ(NearestEntry(colors, 0x080800), 0u) << "the first of equally near ones";
     EXPECT_EQ(NearestEntry(colors, 0x0000FF), 4u);
     EXPECT_EQ(BgrFromRaw({nullptr, 0, 1, 1, PixelLayout::Indexed8, colors}, 5), 0u);
-}
-
-// Whether a line has a pixel: the one nearest to it in a column or row, of two the upper or left one; but not
-// the last.
-bool IsOnLine(Position from, Position to, int x, int y) {
-    const Int128 dx = to.x - from.x, dy = to.y - from.y;
-    const bool alongX = dx * dx >= dy * dy;
-    Int128 length = alongX ? dx : dy, step = alongX ? x - from.x : y - from.y;
-    Int128 rise = alongX ? dy : dx, moved = alongX ? y - from.y : x - from.x;
-    if (length < 0) length = -length, step = -step;
-    const Int128 twiceOff = 2 * (step * rise - moved * length);
-    return step >= 0 && step < length && twiceOff > -length && twiceOff <= length;
-}
-
-TEST(GdiLine, HasTheNearestPixelOfEveryColumnOrRowAfterClipping) {
-    std::mt19937 random(1);
-    for (int i = 0; i < 12000; ++i) {
-        const std::int64_t reach = std::int64_t{8} << random() % 29;
-        const auto offset = [&] { return static_cast<std::int64_t>(random()) % (2 * reach + 1) - reach; };
-        Position from{offset(), offset()}, to{offset(), offset()};
-        if (i % 2)  // through the canvas, however far away the ends are
-            to = {static_cast<int>(random() % 21) - from.x, static_cast<int>(random() % 14) - from.y};
-        if (i % 10 == 1) to.y = from.y = 5;
-        if (i % 10 == 3) to.x = from.x = 5;
-        const Canvas canvas(21, 14, Layout(i), i % 4 == 0);
-        PaintLine(canvas.View(), from, to, 1);
-        ASSERT_EQ(canvas.Picture(), canvas.Picture([&](int x, int y) { return IsOnLine(from, to, x, y); }))
-            << i;
-    }
 }
 
 }  // namespace
