@@ -1,4 +1,5 @@
-// Masks of regions: rectangles, ellipses, rings, offsets.
+// Masks of regions: rectangles, ellipses, rings, offsets. Every pixel of them is checked by
+// fuzz/fuzz_views.cpp.
 
 #include "tests/support/test.h"
 
@@ -35,6 +36,10 @@ TEST(Mask, IsClippedToTheRegion) {
     EXPECT_EQ(Picture(region), "######\n######\n######\n######\n");
     region.SetEllipseMask(1, 1, 4, 3);
     EXPECT_EQ(Picture(region), "......\n..##..\n.####.\n..##..\n");
+    KxSetError(KX_ERROR_FILE_READ);
+    region.SetRingMask(0.5f);
+    EXPECT_EQ(KxGetError(), KX_ERROR_FILE_READ) << "what was pending stays";
+    EXPECT_EQ(Picture(region), "..##..\n#....#\n#....#\n..##..\n");
 }
 
 TEST(Mask, ClippedToNothingIsRefused) {
@@ -47,33 +52,6 @@ TEST(Mask, ClippedToNothingIsRefused) {
         EXPECT_EQ(KxGetError(), KX_ERROR_ALLOCATION) << x << ", " << y;
         EXPECT_EQ(trace.Functions().back(), "KxROI::SetRectangleMask");
         EXPECT_EQ(image.GetMaskRuns().GetNumElements(), 2u) << "no runs would mean that all pixels count";
-    }
-}
-
-// The rule as it is written down: every pixel on its own, with D up to 0 inside and down to -limit in the
-// ring.
-TEST(EllipseAndRingMask, FollowTheDecisionValueOfEveryPixel) {
-    for (const auto& [width, height] : {std::pair(9, 9), {17, 8}, {2, 31}, {40, 1}, {33, 34}}) {
-        for (const float ratio : {0.0f, 0.3f, 0.75f, 1.0f}) {
-            Image image(width, height);
-            const long a = (width - 1L) * (width - 1), b = (height - 1L) * (height - 1);
-            const long limit = static_cast<long>(
-                std::floor((1.0 - double{ratio} * ratio) * static_cast<double>(a * b - a - b)));
-            std::string ellipse, ring;
-            for (int y = 0; y < height; ++y, ellipse += '\n', ring += '\n')
-                for (int x = 0; x < width; ++x) {
-                    const long u = 2L * x - (width - 1), v = 2L * y - (height - 1);
-                    const long decision = b * u * u + a * v * v - a * b - a - b;
-                    ellipse += decision <= 0 ? '#' : '.';
-                    ring += decision <= 0 && decision > -limit ? '#' : '.';
-                }
-            image.SetEllipseMask(0, 0, width, height);
-            EXPECT_EQ(Picture(image), ellipse);
-            KxSetError(KX_ERROR_FILE_READ);
-            image.SetRingMask(ratio);
-            EXPECT_EQ(KxGetError(), KX_ERROR_FILE_READ) << "what was pending stays";
-            EXPECT_EQ(Picture(image), ring) << width << " x " << height << ", ratio " << ratio;
-        }
     }
 }
 

@@ -1,41 +1,10 @@
-// Resampling: which pixels are taken, which are left alone, and what is refused.
+// Resampling: foreign buffers, destinations, and what is refused. Which pixels are taken is checked by
+// fuzz/fuzz_views.cpp.
 
 #include "tests/support/test.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
-
-template <class Pixel>
-struct Resize : testing::Test {};
-using Pixels = testing::Types<KxBW8, KxBW16, KxC15, KxC16, KxC24, KxC24A>;
-TYPED_TEST_SUITE(Resize, Pixels);
-
-// The source is a part of another image or of the same one, where the parts overlap.
-TYPED_TEST(Resize, TakesTheSourcePixelBelowEveryPixelAndLeavesTheRestAlone) {
-    KxImage<TypeParam> image(140, 30), other(140, 30);
-    FillPattern(other, 1);
-    for (KxImage<TypeParam>* sourceImage : {&image, &other})
-        for (const auto& [sourceWidth, width, height] : {std::tuple(4, 8, 1),
-                                                         {4, 2, 1},
-                                                         {4, 3, 9},
-                                                         {5, 5, 3},
-                                                         {1, 60, 25},
-                                                         {70, 1, 7},
-                                                         {70, 131, 8},
-                                                         {70, 69, 20}}) {
-            FillPattern(image, 2);
-            KxROI<TypeParam> source(sourceImage, 3, 1, sourceWidth, 7),
-                destination(&image, 5, 2, width, height);
-            Bytes expected = PixelBytes(image);
-            for (int i = 0; i < width * height; ++i) {
-                const int x = i % width, y = i / width;
-                const TypeParam pixel = source.GetPixel(x * sourceWidth / width, y * 7 / height);
-                std::memcpy(&expected[((y + 2) * 140 + x + 5) * sizeof pixel], &pixel, sizeof pixel);
-            }
-            KxResize(&source, &destination);
-            EXPECT_EQ(PixelBytes(image), expected) << sourceWidth << " to " << width << " x " << height;
-        }
-}
 
 TEST(ResizeRegion, TakesUpsideDownRowsOfForeignBuffers) {
     Bytes pixels{1, 2, 3, 4, 5, 6, 7, 8};
