@@ -29,6 +29,8 @@ bool IsRegion(KxGenericROI& region, const char* traceName) {
 bool SetSizeAlong(KxGenericROI& region, const RegionTree::Axis& axis, std::int64_t size) {
     if (!IsRegion(region, axis.setterName)) return false;
     if (size < 0) {
+        // The origin may be new: without this the region could lie beyond its parent, in foreign memory.
+        RegionTree::SetSize(region, axis, region.*axis.size);
         Report(KX_ERROR_PARAMETER_1_OUT_OF_RANGE, axis.setterName);
         return false;
     }

@@ -1,4 +1,5 @@
-// Drawing on a device context: pixels, shapes, texts, images, and what the context is left like.
+// Drawing on a device context: pixels, shapes, texts, failures and palettes. Every pixel of images, and what
+// any numbers do, is checked by fuzz/fuzz_display.cpp.
 
 #include "tests/support/test.h"
 
@@ -101,58 +102,6 @@ TEST_F(Adapter, GoesThroughItsOwnVirtualOperations) {
     EXPECT_EQ(noting.calls, (NotingSurface::Calls{{5, 6, 1, 1}, images[0], images[1], tinted[0], tinted[1]}));
 }
 
-template <class Pixel>
-struct DrawImageOf : Adapter {};
-TYPED_TEST_SUITE(DrawImageOf, FilePixels);
-
-TYPED_TEST(DrawImageOf, AndItsOlderTwinShowEveryPixelZoomedAndBlended) {
-    using Region = KxROI<TypeParam>;
-    const HDC hdc = this->screen.hdc;
-    KxImage<TypeParam> padded(41, 19), wrapped, upwards;
-    // Rows of a caller, not padded like a bitmap's; the buffer ends with the last pixel.
-    const int rowBytes = (29 * padded.GetBitsPerPixel() + 7) / 8,
-              pitch = rowBytes / 4 * 4 + 4 + int{alignof(TypeParam)};
-    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(pitch * 15 + rowBytes));
-    wrapped.SetImagePtr(29, 16, buffer.data(), pitch * 8);
-    upwards.SetImagePtr(29, 16, buffer.data() + pitch * 15, -pitch * 8);
-    Region region(&padded, 13, 3, 21, 14), inner(&region, 6, 5, 9, 8), part(&wrapped, 11, 2, 10, 9);
-    for (KxGenericROI* image : Images{&padded, &wrapped}) FillPattern(*image, 5);
-    constexpr bool isReduced = std::is_same_v<TypeParam, KxBW16> || std::is_same_v<TypeParam, KxBW32>;
-    for (Region* shown : std::initializer_list<Region*>{&padded, &region, &inner, &wrapped, &part, &upwards})
-        for (const auto& [zoomX, zoomY] :
-             {std::pair{1.f, 1.f}, {1.f, 0.f}, {2.f, 0.f}, {1.4f, .55f}, {.3f, 3.f}})
-            for (const double alpha : {1.0, 1.5, 0.4, 0.0}) {  // 0 stands for the older function, opaque
-                this->screen.Clear();
-                SetViewportOrgEx(hdc, alpha > 0 ? 2 : 6, alpha > 0 ? 1 : -2, nullptr);
-                if (alpha > 0)
-                    this->surface.DrawImage(shown, zoomX, zoomY, 4, -3, alpha, RGBColor::Current);
-                else
-                    KxDrawImageInWindow(shown, hdc, zoomX, zoomY);
-                SetViewportOrgEx(hdc, 0, 0, nullptr);
-                const int parts = alpha == 0.4 && !isReduced ? 102 : 255;
-                ExpectPicture(this->screen, *shown, zoomX, zoomY, 6, -2,
-                              [&](TypeParam pixel) { return OnPaper(ShownColor(pixel), parts); });
-                ASSERT_FALSE(this->HasFatalFailure()) << zoomX << ", " << zoomY << ", " << alpha;
-            }
-}
-
-TYPED_TEST(DrawImageOf, TintsGreysThatAreNotOpaque) {
-    KxImage<TypeParam> image(7, 5);
-    FillPattern(image, 9);
-    constexpr bool isGray = PixelTraits<TypeParam>::kColorSystem == KX_COLOR_SYSTEM_GRAY_LEVEL;
-    for (const double alpha : {0.5, 1.0}) {
-        this->screen.Clear();
-        this->surface.DrawImage(&image, 1, 1, 0, 0, alpha, RGBColor(200, 3, 99));
-        ExpectPicture(this->screen, image, 1, 1, 0, 0, [&](TypeParam pixel) {
-            const COLORREF color = ShownColor(pixel);
-            if (alpha == 1) return color;
-            const auto tinted = [&](int full) { return static_cast<int>(GetRValue(color) * full / 255.0); };
-            if (std::is_same_v<TypeParam, KxBW1>) return kPaper;
-            return OnPaper(isGray ? Shown(tinted(200), tinted(3), tinted(99)) : color, 127);
-        });
-    }
-}
-
 TEST_F(Adapter, ReportsOnlyWantOfMemory) {
     const TraceRecorder traces;
     const auto state = StateOf(screen.hdc);
@@ -190,46 +139,6 @@ TEST_F(Adapter, ShowsImagesThroughPalettes) {
     GDIDrawAdapter(device).DrawImage(&cube, 1, 1, 0, 1, 1, RGBColor::Current);
     for (int x = 0; x < 216; ++x) EXPECT_EQ(GetPixel(device, x, 1), ShownColor(cube.GetPixel(x, 0))) << x;
     DeleteDC(device);
-}
-
-TEST_F(Adapter, LeavesContextAndObjectsAsTheyWereWhateverTheNumbers) {
-    const HDC paletteDevice = Platform::CreatePaletteDC(30, 30);
-    KxImage<KxBW8> gray(5, 5);
-    KxImage<KxBW32> wide(5, 5);
-    KxImage<KxC16> color(5, 5);
-    for (KxGenericROI* image : Images{&gray, &wide, &color}) FillPattern(*image, 2);
-    const auto drawEverything = [&](GDIDrawAdapter drawn, int n, double number, const RGBColor& paint) {
-        DrawPointList points;
-        for (const DrawPoint& point : {DrawPoint{number, 1}, {1, number}, {9, 9}}) points.Add(point);
-        drawn.SetPixel(n, n, paint, number);
-        drawn.DrawLine(n, 1, 3, n, paint);
-        drawn.DrawArc(n, 1, n, 9, number, number, paint);
-        drawn.DrawRectangle(n, 1, n, n, paint);
-        drawn.DrawPolygon(points, paint);
-        drawn.DrawEllipse(1, n, n, n, paint);
-        drawn.FillRectangle(n, n, n, 5, paint, paint);
-        drawn.FillEllipse(n, n, 5, n, paint, paint);
-        drawn.FillPolygon(points, paint, paint);
-        drawn.DrawText("two\nlines", n, n, paint);
-        drawn.DrawTextWithBackground("text", n, 1, paint, paint);
-        for (KxGenericROI* image : Images{&gray, &wide, &color}) {
-            drawn.DrawImage(image, static_cast<float>(number), 2, n, 1, 1, paint);
-            drawn.DrawImage(image, 1, 1, n, n, number, paint);
-        }
-    };
-    for (const HDC hdc : {screen.hdc, paletteDevice, HDC()}) {
-        SetViewportOrgEx(hdc, 3, -4, nullptr);
-        SetTextColor(hdc, kRed);
-        const auto state = StateOf(hdc);
-        const int objects = Platform::CountGdiObjects();
-        for (const int n : {0, 20, -20, INT_MAX, INT_MIN})
-            for (const double number : {0.7, kNaN, 1e30, -1e30, HUGE_VAL})
-                for (const RGBColor& paint : {RGBColor::Current, RGBColor::Red})
-                    drawEverything(GDIDrawAdapter(hdc), n, number, paint);
-        EXPECT_EQ(StateOf(hdc), state);
-        EXPECT_EQ(Platform::CountGdiObjects(), objects);
-    }
-    DeleteDC(paletteDevice);
 }
 
 }  // namespace

@@ -125,27 +125,6 @@ TEST(Plot, ChoosesTicksForWhichThereIsRoom) {
                                        "35", "30", "25", "20", "15", "10", "Index", "Value"}));
 }
 
-TEST(Plot, StaysInItsBoxAndBoundedWhateverItIsGiven) {
-    const float kSizes[] = {-1e30f, -5, 0, 1, 40, 1e30f, NAN};
-    for (const DrawPoint letter :
-         {DrawPoint{7, 12}, DrawPoint{0, 0}, DrawPoint{1e9, 1e9}, DrawPoint{NAN, NAN}})
-        for (const float size : kSizes)
-            for (const float origin : {0.0f, -1e30f, 1e30f}) {
-                auto vector = Make<KxBW32Vector>({0, -1, 4}, 1);
-                RecordingSurface surface;
-                surface.letter = letter;
-                vector.Draw(&surface, size, size, origin, origin);
-                EXPECT_LT(surface.calls.size(), 50000u);
-                if (origin == 0 && size <= 40) {
-                    const int end = size > 0 ? static_cast<int>(size) : 0;
-                    EXPECT_TRUE(0 <= vector.XView(0) && vector.XView(2) <= end) << size;
-                    EXPECT_TRUE(0 <= vector.YView(4294967295.0) && vector.YView(0) <= end) << size;
-                }
-                vector.SetYRange(INT_MIN, UINT_MAX);
-                vector.Draw(&surface, size, size, origin, origin);
-            }
-}
-
 struct VisiblePlot : KxPlot {
     VisiblePlot() { SetYRange(-50, 150); }
     int Left() const { return m_n32Left; }

@@ -133,26 +133,5 @@ TEST(Drag, WorksWithoutAParentAndNotOnImages) {
     EXPECT_EQ(trace.Functions(), (Calls{"KxROI::SetWidth"}));
 }
 
-TEST(Frame, SurvivesHostileNumbers) {
-    const TraceRecorder quiet;
-    const float kNumbers[] = {0, -1, 1e-38f, 3e38f, -3e38f, INFINITY, NAN};
-    for (const float zoom : kNumbers)
-        for (const float pan : kNumbers)
-            for (const int at : {0, INT_MIN, INT_MAX}) {
-                Image image(100, 100);
-                Region region(&image, 10, 10, 20, 20);
-                RecordingSurface surface;
-                surface.penWidth = at;
-                region.DrawFrame(&surface, KX_FRAME_POSITION_OUTSIDE, 1, zoom, zoom, pan, pan);
-                EXPECT_EQ(surface.calls.size(), 12u);
-                region.HitTest(at, at, zoom, zoom, pan, pan);
-                for (int handle = 0; handle < 10; ++handle)
-                    region.Drag(static_cast<KX_HANDLES>(handle), ~at, at, zoom, zoom, pan, pan);
-                EXPECT_GE(region.GetOrgX(), 0);
-                EXPECT_LE(region.GetOrgX() + region.GetWidth(), 100);
-                EXPECT_LE(region.GetOrgY() + region.GetHeight(), 100);
-            }
-}
-
 }  // namespace
 }  // namespace Zelkor::Kalvo::Testing

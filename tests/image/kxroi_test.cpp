@@ -19,6 +19,10 @@ TEST(RegionPlacement, IsClippedToTheParent) {
         {{0, INT_MAX, 20, 20}, {0, 0, 100, 100}, KX_ERROR_ROI_OUT_OF_PARENT, {"KxROI::SetHeight"}},
         {{INT_MIN, 0, 20, 20}, {0, 0, 50, 20}, KX_ERROR_PARAMETER_1_OUT_OF_RANGE, {"KxROI::SetWidth"}},
         {{0, 0, 20, -1}, {0, 0, 20, 50}, KX_ERROR_PARAMETER_1_OUT_OF_RANGE, {"KxROI::SetHeight"}},
+        {{0, 101, 20, -1},
+         {0, 0, 100, 100},
+         KX_ERROR_PARAMETER_1_OUT_OF_RANGE,
+         {"KxROI::SetHeight", "KxROI::SetHeight"}},
     };
     for (const auto& [asked, result, code, functions] : kPlacements) {
         const TraceRecorder trace;
