@@ -218,12 +218,12 @@ void KxVectorTemplate<T>::Save(const unsigned short* pszPath) {
 
 template <class T>
 void KxVectorTemplate<T>::Load(const char* pszPath) {
-    LoadVectorFile(pszPath, "KxVector::Load", kNewestHeader<T>, {this, Exchange});
+    LoadVectorFile(pszPath, "KxVector::Load", NewestHeader<T>(), {this, Exchange});
 }
 
 template <class T>
 void KxVectorTemplate<T>::Load(const unsigned short* pszPath) {
-    LoadVectorFile(pszPath, "KxVector::Load ( Unicode)", kNewestHeader<T>, {this, Exchange});
+    LoadVectorFile(pszPath, "KxVector::Load ( Unicode)", NewestHeader<T>(), {this, Exchange});
 }
 
 template class KxVectorTemplate<KxBW8>;

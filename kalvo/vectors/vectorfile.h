@@ -82,7 +82,9 @@ private:
 };
 
 template <class T>
-inline constexpr VectorFileHeader kNewestHeader = MakeVectorFileHeader<T>(ElementFormat<T>::kNewestVersion);
+constexpr VectorFileHeader NewestHeader() {
+    return MakeVectorFileHeader<T>(ElementFormat<T>::kNewestVersion);
+}
 
 template <class T>
 std::span<T> ElementsOf(const KxVectorTemplate<T>& vector) {
