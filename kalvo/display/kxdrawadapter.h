@@ -69,6 +69,14 @@ private:
 ///
 /// `GDIDrawAdapter` draws on a device context; callers may derive their own. A surface is used by one thread
 /// at a time and never deleted through a pointer to this base.
+/// @code
+/// const auto drawCross = [](Zelkor::DrawAdapter& surface, int x, int y) {
+///     surface.DrawLine(x - 5, y, x + 5, y, Zelkor::RGBColor::Red);
+///     surface.DrawLine(x, y - 5, x, y + 5, Zelkor::RGBColor::Red);
+/// };
+/// Zelkor::GDIDrawAdapter surface(CreateCompatibleDC(nullptr));
+/// drawCross(surface, 20, 20);
+/// @endcode
 struct KX_API DrawAdapter {
     // The order of the virtual operations is part of the binary interface.
 

@@ -9,6 +9,17 @@ namespace Zelkor {
 /// Draws on a device context, which stays the caller's. Every operation leaves the context's selected
 /// objects, colours, background mode and viewport origin as they were. Failures of the context are not
 /// reported.
+/// @code
+/// KxImage<KxC24> image(64, 48);
+/// const HDC hdc = CreateCompatibleDC(nullptr);
+/// const HBITMAP bitmap = CreateCompatibleBitmap(nullptr, 128, 96);
+/// const HGDIOBJ ownBitmap = SelectObject(hdc, bitmap);
+/// Zelkor::GDIDrawAdapter surface(hdc);
+/// surface.DrawImage(&image, 2, 2, 0, 0, 0.5, Zelkor::RGBColor::Current);  // twice as large, half opaque
+/// SelectObject(hdc, ownBitmap);
+/// DeleteDC(hdc);
+/// DeleteObject(bitmap);
+/// @endcode
 class KX_API GDIDrawAdapter : public DrawAdapter {
 public:
     explicit GDIDrawAdapter(HDC hDC) : m_hDC(hDC) {}

@@ -45,6 +45,12 @@ extern template class KxGrayVectorTemplate<KxBW16>;
 extern template class KxGrayVectorTemplate<KxBW32>;
 
 /// A vector of 8-bit grey values; with 256 elements also a lookup table for drawing.
+/// @code
+/// KxImage<KxBW8> image(64, 48);
+/// KxBW8Vector brighter;
+/// brighter.SetupGainOffset(1.5f, 10, 1);
+/// image.Draw(CreateCompatibleDC(nullptr), &brighter, 1, 1);  // shown through the table
+/// @endcode
 class KX_API KxBW8Vector : public KxGrayVectorTemplate<KxBW8> {
 public:
     using KxGrayVectorTemplate::KxGrayVectorTemplate;

@@ -15,6 +15,12 @@ class PlotCanvas;
 
 /// The axes that every pixel vector draws itself on. Value space has x to the right and y upwards; pixels of
 /// a surface have y downwards.
+/// @code
+/// KxBW8Vector profile;
+/// for (int x = 0; x < 100; ++x) profile.AddElement(x * x / 50);
+/// profile.SetYRange(0, 255);
+/// profile.Draw(CreateCompatibleDC(nullptr), 400, 300, 0, 0);
+/// @endcode
 class KX_API KxPlot {
 public:
     /// Fixes the vertical range. Fails with `KX_ERROR_PARAMETERS_OUT_OF_RANGE`, and keeps range and mode,

@@ -21,6 +21,15 @@ protected:
 namespace Kalvo {
 
 /// A failure with its code. Thrown by value, caught by reference.
+/// @code
+/// try {
+///     KxMemSerializer empty;
+///     char byte;
+///     empty.SerializeBytes(&byte, 1, "byte");
+/// } catch (const Zelkor::Kalvo::Exception& exception) {
+///     std::printf("%s\n", KxGetErrorText(exception.GetError()));
+/// }
+/// @endcode
 struct KX_API Exception final : Zelkor::Exception {
     explicit Exception(KX_ERRORS eError) : m_eError(eError) {}
 

@@ -40,6 +40,15 @@ private:
 };
 
 /// An extent that calls its listeners after every assignment, whether or not the values differ.
+/// @code
+/// struct Redraw : Zelkor::IListener {
+///     void Listen(Zelkor::IBroadcaster*) override { std::puts("moved"); }
+/// } redraw;
+/// Zelkor::Kalvo::GenericRoiExtentWithBroadcast extent;
+/// extent.AddListener(&redraw);
+/// extent.OrgX = 10;  // calls the listener
+/// extent.RemoveListener(&redraw);
+/// @endcode
 class KX_API GenericRoiExtentWithBroadcast final : public IBroadcaster {
 public:
     using IntProperty = Property<GenericRoiExtentWithBroadcast, int>;
@@ -100,6 +109,12 @@ public:
 ///
 /// Indices out of range throw `KX_ERROR_PARAMETER_1_OUT_OF_RANGE`, missing memory `KX_ERROR_ALLOCATION`; both
 /// leave the list as it was.
+/// @code
+/// Zelkor::GenericRoiExtentBroadcastingVector extents;
+/// extents.Add({0, 0, 20, 10});
+/// extents[0].Width = 30;  // the list tells its own listeners, too
+/// extents.Remove(0);
+/// @endcode
 class KX_API GenericRoiExtentBroadcastingVector final : public IBroadcaster, public IListener {
 public:
     using Item = Kalvo::GenericRoiExtentWithBroadcast;

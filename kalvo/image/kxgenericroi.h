@@ -48,6 +48,14 @@ struct RegionTexts {
 /// Images and regions form trees: an image is a root, a region is attached below an image or another region.
 /// The tree does not own its nodes, except the children that the library itself makes while it reads an
 /// archive; those go with their parent. A tree is used by one thread at a time.
+/// @code
+/// KxImage<KxBW8> image(640, 480);
+/// KxROI<KxBW8> region(&image, 10, 10, 50, 50);
+/// const KxGenericROI* root = &image;
+/// for (const KxGenericROI* node = root->GetFirstSubROI(); node; node = node->GetNextROI(root))
+///     std::printf("%d x %d at (%d, %d)\n", node->GetWidth(), node->GetHeight(), node->GetTotalOrgX(),
+///                 node->GetTotalOrgY());
+/// @endcode
 class KX_API KxGenericROI {
 public:
     KxGenericROI(const KxGenericROI&) = delete;

@@ -10,6 +10,14 @@ struct ImageCore;
 
 /// An image over pixels of type `Pixel`. It owns a buffer (rows padded to multiples of 24 bytes, the first
 /// pixel aligned to 32 bytes), or wraps a buffer of the caller, or is empty.
+/// @code
+/// KxImage<KxBW8> image(640, 480);             // pixels of its own
+/// image.SetPixel(255, 10, 20);
+/// KxImage<KxBW8> frame;
+/// unsigned char grabbed[100 * 50];
+/// frame.SetImagePtr(100, 50, grabbed, 100 * 8);  // or somebody else's, nothing is copied
+/// if (image.Save("image.bmp"), KxFailure()) return;
+/// @endcode
 template <class Pixel>
 class KX_API KxImage : public KxROI<Pixel> {
 public:

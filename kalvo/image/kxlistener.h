@@ -9,6 +9,16 @@ namespace Zelkor {
 class IBroadcaster;
 
 /// Who is told of changes. A listener must be removed from its broadcasters before it is destroyed.
+/// @code
+/// struct Counter : Zelkor::IListener {
+///     void Listen(Zelkor::IBroadcaster*) override { ++calls; }
+///     int calls = 0;
+/// } counter;
+/// Zelkor::Kalvo::GenericRoiExtentWithBroadcast extent;
+/// extent.AddListener(&counter);
+/// extent.Width = 5;
+/// extent.RemoveListener(&counter);  // before it is destroyed
+/// @endcode
 class KX_API IListener {
 public:
     /// Called by `pBroadcaster` after it has changed, on the thread that changed it.

@@ -9,6 +9,14 @@ namespace Zelkor::Kalvo {
 
 /// The members of `KxROI` that do not depend on the pixel type. Programs use `KxROI`, which tells what a
 /// region is, and `KxImage`.
+/// @code
+/// KxImage<KxBW8> image(640, 480);
+/// KxROI<KxBW8> region(&image, 0, 0, 100, 100);
+/// region.SetPlacement(600, 0, 100, 100);  // clipped to 40 x 100 pixels
+/// region.SetEllipseMask(0, 0, 0, 0);      // of it the pixels inside an ellipse count
+/// const KX_HANDLES handle = region.HitTest(639, 50, 1, 1, 0, 0);  // what the mouse points at
+/// region.Drag(handle, 620, 50, 1, 1, 0, 0);                       // and where it moves it
+/// @endcode
 class KX_API RegionBase : public KxGenericROI {
 public:
     ~RegionBase() override;

@@ -14,6 +14,12 @@ class KxC24Vector;
 /// Pixel (x, y) of a region is pixel (origin + (x, y)) of its parent, up to the top image. While a region has
 /// a parent it is kept inside it: sizes are clipped silently, an origin outside the parent is an error
 /// (`KX_ERROR_ROI_OUT_OF_PARENT`) that makes the region cover the whole parent.
+/// @code
+/// KxImage<KxBW8> image(640, 480);
+/// KxROI<KxBW8> region(&image, 100, 50, 200, 100);  // at column 100, row 50
+/// for (int y = 0; y < region.GetHeight(); ++y)
+///     for (int x = 0; x < region.GetWidth(); ++x) region.SetPixel(255 - region.GetPixel(x, y), x, y);
+/// @endcode
 template <class Pixel>
 class KX_API KxROI : public Zelkor::Kalvo::RegionBase {
 public:

@@ -20,6 +20,13 @@ struct KxJpegHandler_Impl;
 /// coding), 14992 neither one nor three channels, 14991 fields of different sizes or a size that no stream
 /// can have, 14990 rows that overlap, 14999 no pixels, 14989 no memory for the codec. These codes have no
 /// texts.
+/// @code
+/// KxJpegHandler fields;
+/// fields.LoadFJfif("up.jpg");
+/// fields.LoadSJfif("down.jpg");
+/// KxImage<KxC24> frame;
+/// fields.DecompressToImage(frame, KxJpegHandler::FullSize);
+/// @endcode
 class KX_API KxJpegHandler {
 public:
     /// By what `DecompressToImage` divides width and height, rounding up: 1, 2, 4 or 8.

@@ -6,6 +6,10 @@
 class KxSerializer;
 
 /// A value and its unit, held by value.
+/// @code
+/// const KxDimensionalValue length(25.4f, &KxUnit_mm);
+/// std::printf("%f inches\n", length.GetValue(&KxUnit_inch));
+/// @endcode
 class KX_API KxDimensionalValue {
 public:
     /// 1.0 in no unit.

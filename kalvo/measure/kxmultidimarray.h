@@ -45,6 +45,10 @@ public:
 
 /// An array of `kDimensions` dimensions, indexed as a[i][j][k]: one block, one allocation. Indices are not
 /// checked. Elements start as T().
+/// @code
+/// KxMultidimArrayOf<float, 3> cube({4, 5, 6});
+/// cube[3][4][5] = 1;
+/// @endcode
 template <class T, std::size_t kDimensions>
 class KxMultidimArrayOf {
     static_assert(kDimensions > 0);

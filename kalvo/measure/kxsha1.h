@@ -7,6 +7,13 @@
 
 /// Computes the digest of a message that comes in pieces: `Update` for each piece, `Final`, and then the
 /// result. `Reset` starts the next message. Objects may be copied at any time; nothing here fails.
+/// @code
+/// CSHA1 sha1;
+/// sha1.Update(reinterpret_cast<const unsigned char*>("abc"), 3);
+/// sha1.Final();
+/// unsigned char hash[20];
+/// sha1.GetHash(hash);
+/// @endcode
 class KX_API CSHA1 {
 public:
     CSHA1();

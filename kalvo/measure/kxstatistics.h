@@ -8,6 +8,11 @@
 
 /// Keeps the last samples, up to a fixed number, and computes statistics over those it holds. Sums are taken
 /// in single precision, in the order of the ring of samples. Used by one thread at a time.
+/// @code
+/// KxStatistics last(100);  // of the hundred most recent samples
+/// for (const float millimetres : {15.1f, 14.9f, 15.0f}) last.NewElement(millimetres);
+/// std::printf("%f +- %f\n", last.Average(), last.Deviation());
+/// @endcode
 class KX_API KxStatistics {
 public:
     /// Keeps the last `n` samples; 0 keeps none. Fails as `Reset` does.

@@ -7,6 +7,10 @@
 
 /// A length unit. Copied member by member. The name is kept in the form it was last set in, narrow or UTF-16;
 /// reading the other form gives the same bytes reinterpreted.
+/// @code
+/// const KxMeasurementUnit point(0.0254f / 72, "point");
+/// std::printf("%f points to a millimetre\n", KxUnit_mm.ConversionFactorTo(point));
+/// @endcode
 class KX_API KxMeasurementUnit {
 public:
     /// Magnitude 0, empty name.

@@ -20,6 +20,15 @@ struct StreamContents;
 ///
 /// Operations that move bytes or positions throw `Zelkor::Kalvo::Exception`; the others end in the error
 /// slot.
+/// @code
+/// KxImage<KxBW8> image(64, 48);
+/// const std::unique_ptr<KxSerializer> writer(KxSerializer::CreateFileWriter("image.kxa"));
+/// if (!writer) return;
+/// image.Save(writer.get());
+/// writer->Close();
+/// const std::unique_ptr<KxSerializer> reader(KxSerializer::CreateFileReader("image.kxa"));
+/// if (reader && reader->GetNextObjectType() == KxSerializer::ImageBW8) image.Load(reader.get());
+/// @endcode
 class KX_API KxSerializer {
 public:
     /// The type of an archived object, the second byte of its header.
@@ -207,6 +216,14 @@ private:
 };
 
 /// A stream in memory. It starts as a reader of nothing.
+/// @code
+/// KxImage<KxBW8> image(64, 48);
+/// KxMemSerializer writer, reader;
+/// writer.OpenWriter();
+/// image.Save(&writer);
+/// reader.OpenReader(writer.GetBuffer());
+/// image.Load(&reader);
+/// @endcode
 class KX_API KxMemSerializer : public KxOpaqueSerializer {
 public:
     /// Starts reading a copy of `data`; earlier bytes are dropped.

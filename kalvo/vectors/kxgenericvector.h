@@ -13,6 +13,13 @@
 /// Every operation first resets the error slot, so that afterwards it tells of that operation alone; those of
 /// type short return the code as well. Failures are traced under "KxVector::" and the operation. A vector is
 /// used by one thread at a time.
+/// @code
+/// KxVector points;
+/// points.SetStructure(32, 0, 2, 2);  // groups of two signed numbers of 32 bits
+/// points.SetNbGroup(10);
+/// points.SetItemsAllocatedSize(20);
+/// points.SetData(4, 1, 77);  // the second number of the fifth
+/// @endcode
 class KX_API KxVector {
 public:
     /// One group, of no items yet, of the type unsigned int; a buffer of zeros with room for `n32Items` of

@@ -17,6 +17,13 @@ struct VectorCore;
 ///
 /// Failures end in the error slot, traced under "KxVector::" and the operation; no operation throws. Pointers
 /// and references to elements hold until the capacity changes. A vector is used by one thread at a time.
+/// @code
+/// KxVectorTemplate<KxBW8> greys;
+/// for (int grey = 0; grey < 256; grey += 16) greys.AddElement(grey);
+/// greys[3] = 50;
+/// greys.Save("greys.vec");
+/// if (KxFailure()) return;
+/// @endcode
 template <class T>
 class KX_API KxVectorTemplate {
 public:
