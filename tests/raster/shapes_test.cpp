@@ -89,12 +89,14 @@ TEST(GdiDrawing, UsesTheObjectsTheOriginAndThePositionOfItsContext) {
     EXPECT_TRUE(MoveToEx(hdc, 4, 4, nullptr) && LineTo(hdc, 6, 4) && MoveToEx(hdc, 0, 0, &previous));
     EXPECT_EQ(previous.x * 10 + previous.y, 64);
     EXPECT_EQ(SetPixel(hdc, 5, -2, 0xFF000003), 3u);
-    EXPECT_EQ(section.Picture(9, 7), "####  +  \n#oo#     \n#oo# ####\n#oo#  #o#\n####   ##\n        #\n     ##  \n");
+    EXPECT_EQ(section.Picture(9, 7),
+              "####  +  \n#oo#     \n#oo# ####\n#oo#  #o#\n####   ##\n        #\n     ##  \n");
     SetViewportOrgEx(hdc, 0, 0, nullptr);
     section.Select(GetStockObject(NULL_PEN));
     section.Select(GetStockObject(WHITE_BRUSH));
     EXPECT_TRUE(Ellipse(hdc, 6, 4, 1, 1) && Arc(hdc, 0, 0, 9, 7, 0, 0, 0, 0) && LineTo(hdc, 9, 9));
-    EXPECT_EQ(section.Picture(9, 7), "####  +  \n#++++    \n#++++####\n#oo#  #o#\n####   ##\n        #\n     ##  \n");
+    EXPECT_EQ(section.Picture(9, 7),
+              "####  +  \n#++++    \n#++++####\n#oo#  #o#\n####   ##\n        #\n     ##  \n");
     EXPECT_FALSE(LineTo(nullptr, 0, 0) || SetPixel(nullptr, 0, 0, 0) != CLR_INVALID);
 }
 
