@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "failure.h"
+#include "image_file.h"
+#include "pixel_conversion.h"
 
 namespace App {
 namespace {
@@ -42,6 +44,10 @@ Canvas::Canvas(int width, int height) : m_context(CreateCompatibleDC(nullptr)) {
 Canvas::~Canvas() {
     DeleteDC(m_context);
     DeleteObject(m_bitmap);
+}
+
+void SavePicture(Canvas& canvas, const std::string& path) {
+    SaveImage(*Convert<KxC24>(canvas.Image(), PixelMaker{.threshold = 128}), path);
 }
 
 }  // namespace App

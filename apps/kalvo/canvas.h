@@ -1,6 +1,8 @@
 #pragma once
 // A picture in memory to draw on.
 
+#include <string>
+
 #include "kalvo/gdi/gdi.h"
 #include "kalvo/image/kximage.h"
 
@@ -23,6 +25,9 @@ private:
     HBITMAP m_bitmap = nullptr;
     KxImage<KxC24A> m_image;
 };
+
+// Saves what was drawn, in the format of the name.
+void SavePicture(Canvas& canvas, const std::string& path);
 
 // A pen, selected in a context while this lives.
 class SelectedPen {

@@ -11,6 +11,7 @@
 #include "kalvo/image/kxroiextent.h"
 #include "kalvo/imagefiles/kxjpeghandler.h"
 #include "kalvo/pixels/kxpixel.h"
+#include "image_file.h"
 #include "plot_picture.h"
 
 namespace App {
@@ -18,15 +19,28 @@ namespace App {
 struct ShowOptions {
     std::vector<std::string> files;
     bool asJson = false;
+    bool withStatistics = false;
+};
+
+struct PixelOptions {
+    std::string input;
+    std::vector<std::string> places;
+    bool asJson = false;
+};
+
+struct CompareOptions {
+    std::string first;
+    std::string second;
+    double tolerance = 0;
+    bool asJson = false;
 };
 
 struct ConvertOptions {
-    std::string input;
-    std::string output;
+    std::vector<std::string> files;  // what is read, and at last what is written
     std::optional<KX_IMAGE_TYPES> type;
-    IMAGE_FILE_TYPES format = IMAGE_FILE_AUTO;
+    SaveOptions save;
     std::optional<Zelkor::Kalvo::GenericRoiExtent> region;
-    unsigned quality = 50;
+    unsigned quality = 90;
     int threshold = 128;
     unsigned stripSize = 8192;
 };
@@ -93,13 +107,19 @@ struct TourOptions {
 int RunInfo(const ShowOptions& options);
 // Prints the tree of objects of archives.
 int RunArchive(const ShowOptions& options);
-// Loads an image, crops and converts it, and saves it.
+// Prints the components of pixels.
+int RunPixel(const PixelOptions& options);
+// Compares the pixels of two images.
+int RunCompare(const CompareOptions& options);
+// Loads images, crops and converts them, and saves them.
 int RunConvert(const ConvertOptions& options);
+// The same for all image files of a folder, with a summary.
+int RunBatch(const ConvertOptions& options);
 // Makes one image of the two fields of a video frame, and saves it.
 int RunFields(const FieldsOptions& options);
-// Draws an image with frames, handles and masks of regions, and saves the picture as a PNG file.
+// Draws an image with frames, handles and masks of regions, and saves the picture.
 int RunDraw(const DrawOptions& options);
-// Plots a row, a column or the histogram of an image, and saves the picture as a PNG file.
+// Plots a row, a column or the histogram of an image, and saves the picture.
 int RunPlot(const PlotOptions& options);
 // Resamples an image, and saves it.
 int RunResize(const ResizeOptions& options);

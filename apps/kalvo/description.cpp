@@ -2,10 +2,14 @@
 
 #include "description.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <sstream>
 
 #include "kalvo/measure/kxunit.h"
+#include "components.h"
+#include "failure.h"
 #include "pixel_types.h"
 #include "utf16.h"
 
@@ -101,14 +105,37 @@ Json Describe(KxGenericROI& object) {
 
 Json Describe(const std::string& path, const FileContents& contents) {
     Json json;
+    json["schema"] = "kalvo-info-1";
     json["file"] = path;
-    json["format"] = contents.isArchive ? "archive" : FileTypeName(contents.format);
-    if (!contents.isArchive) {
+    json["format"] = contents.isArchive ? "archive" : contents.isPng ? "png" : FileTypeName(contents.format);
+    if (!contents.isArchive && !contents.isPng) {
         json["fileType"] = contents.format;
         json["pages"] = contents.pages;
     }
     json["objects"] = Json::array();
     for (const Object& object : contents.objects) json["objects"].push_back(Describe(*object));
+    return json;
+}
+
+Json DescribeLevels(const KxGenericROI& image) {
+    struct Level {
+        double least = HUGE_VAL, greatest = -HUGE_VAL, sum = 0;
+    };
+    std::vector<Level> levels;
+    for (int y = 0; y < image.GetHeight(); ++y)
+        for (int x = 0; x < image.GetWidth(); ++x) {
+            const std::vector<double> values = Components(image, x, y);
+            levels.resize(values.size());
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                levels[i].least = std::min(levels[i].least, values[i]);
+                levels[i].greatest = std::max(levels[i].greatest, values[i]);
+                levels[i].sum += values[i];
+            }
+        }
+    Json json = Json::array();
+    const double pixels = static_cast<double>(image.GetWidth()) * image.GetHeight();
+    for (const Level& level : levels)
+        json.push_back({{"least", level.least}, {"greatest", level.greatest}, {"mean", level.sum / pixels}});
     return json;
 }
 
@@ -122,7 +149,7 @@ std::string ToLines(const Json& file) {
         name.resize(16, ' ');
         text << "  " << name << value << '\n';
     };
-    text << file["file"].get<std::string>() << '\n';
+    text << Escaped(file["file"].get<std::string>()) << '\n';
     line("format", file["format"]);
     if (file.value("pages", 1u) > 1) line("pages", ToText(file["pages"]));
     for (const Json& object : file["objects"]) {
@@ -136,6 +163,10 @@ std::string ToLines(const Json& file) {
         for (const auto& [name, value] : object["texts"].items()) line(name, ToText(value));
         if (const std::size_t regions = CountRegions(object)) line("regions", std::to_string(regions));
     }
+    if (file.contains("statistics"))
+        for (const Json& level : file["statistics"])
+            line("levels", Number(level["least"]) + " to " + Number(level["greatest"]) + ", " +
+                               Number(level["mean"]) + " on average");
     return text.str();
 }
 

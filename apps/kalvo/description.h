@@ -22,4 +22,7 @@ std::string ToLines(const Json& file);
 // An object and its regions as a tree, one line each.
 std::string ToTree(const Json& object, int indent);
 
+// Least, greatest and mean value of each component of an image.
+Json DescribeLevels(const KxGenericROI& image);
+
 }  // namespace App

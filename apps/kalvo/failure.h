@@ -14,8 +14,10 @@ struct Failure {
     std::string reason;
     int code;
 
-    // The failure of that code, in the library's words.
-    static Failure Of(KX_ERRORS code) { return {KxGetErrorText(code), code}; }
+    // The failure of that code, in words, with what to try.
+    static Failure Of(int code);
+    // One of the system: "cannot be opened: No such file or directory".
+    static Failure OfSystem(const std::string& what, KX_ERRORS code);
 };
 
 // Runs an operation of the library and returns its result; throws the failure that it leaves in the slot.
@@ -35,8 +37,14 @@ auto Checked(const Operation& operation) {
     }
 }
 
+// A text from outside as one line: control characters are escaped.
+std::string Escaped(const std::string& text);
+
 // Prints the exception being handled as "kalvo: FILE: reason (code)" on the standard error stream.
 Failure ReportCurrentFailure(const std::string& file);
+
+// Prints "kalvo: FILE: note" there: what the user should know of a success.
+void Note(const std::string& file, const std::string& note);
 
 // Runs what belongs to one file; reports the failure, if there is one, and returns it.
 template <class Operation>

@@ -12,7 +12,7 @@ int RunFields(const FieldsOptions& options) {
     const auto loadUp = [&] { handler.LoadFJfif(options.upField); };
     const auto loadDown = [&] { handler.LoadSJfif(options.downField); };
     const auto decode = [&] { handler.DecompressToImage(frame, options.scaling); };
-    const auto save = [&] { SaveImage(frame, options.output, IMAGE_FILE_AUTO); };
+    const auto save = [&] { SaveImage(frame, options.output); };
     return Attempt(options.upField, loadUp) || Attempt(options.downField, loadDown) ||
            Attempt(options.upField + " and " + options.downField, decode) || Attempt(options.output, save);
 }

@@ -1,85 +1,19 @@
 // The program `kalvo`: reads the command line and runs a command.
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 #include <iostream>
 
 #include "kalvo/frame/kxtrace.h"
+#include "arguments.h"
 #include "commands.h"
+#include "output_file.h"
 #include "pixel_types.h"
 
 namespace App {
 namespace {
 
 constexpr int kWrongUsage = 2;
-
-// "x,y,width,height" with a size of at least 1 x 1.
-Zelkor::Kalvo::GenericRoiExtent ToRegion(const std::vector<int>& numbers) {
-    if (numbers[0] < 0 || numbers[1] < 0)
-        throw CLI::ValidationError("--roi", "the origin must not be negative");
-    if (numbers[2] < 1 || numbers[3] < 1)
-        throw CLI::ValidationError("--roi", "the size must be at least 1,1");
-    return {numbers[0], numbers[1], numbers[2], numbers[3]};
-}
-
-// Whether a text was read to its end.
-bool IsAll(const std::string& text, int length) { return static_cast<std::size_t>(length) == text.size(); }
-
-// The same from a text.
-Zelkor::Kalvo::GenericRoiExtent ToRegion(const std::string& text) {
-    std::vector<int> numbers(4);
-    int length = 0;
-    if (std::sscanf(text.c_str(), "%9d,%9d,%9d,%9d%n", &numbers[0], &numbers[1], &numbers[2], &numbers[3],
-                    &length) != 4 ||
-        !IsAll(text, length))
-        throw CLI::ValidationError("--roi", text + " is not X,Y,WIDTH,HEIGHT");
-    return ToRegion(numbers);
-}
-
-// "WIDTHxHEIGHT" of a picture.
-PictureSize ToSize(const std::string& text) {
-    PictureSize size;
-    int length = 0;
-    if (std::sscanf(text.c_str(), "%5dx%5d%n", &size.width, &size.height, &length) != 2 ||
-        !IsAll(text, length) || size.width < 1 || size.height < 1)
-        throw CLI::ValidationError("--size", text + " is not WIDTHxHEIGHT");
-    return size;
-}
-
-// "threshold:LEVEL" or "gain:GAIN,OFFSET,GAMMA" as a lookup table.
-KxBW8Vector ToTable(const std::string& text) {
-    KxBW8Vector table;
-    int level = 0, length = 0;
-    float gain = 1, offset = 0, gamma = 1;
-    if (std::sscanf(text.c_str(), "threshold:%3d%n", &level, &length) == 1 && IsAll(text, length) &&
-        level >= 0 && level <= 255)
-        table.SetupThreshold(static_cast<std::uint8_t>(level), 0, 255);
-    else if (std::sscanf(text.c_str(), "gain:%f,%f,%f%n", &gain, &offset, &gamma, &length) == 3 &&
-             IsAll(text, length))
-        table.SetupGainOffset(gain, offset, gamma);
-    else
-        throw CLI::ValidationError("--lut", text + " is neither threshold:LEVEL nor gain:GAIN,OFFSET,GAMMA");
-    return table;
-}
-
-// Takes one of the names, in any case, or the number that a name stands for.
-template <class Value>
-CLI::Validator OneOf(const std::map<std::string, Value>& names) {
-    std::string list;
-    for (const auto& [name, value] : names) list += (list.empty() ? "" : ", ") + name;
-    const auto toNumber = [names, list](std::string& text) -> std::string {
-        for (const auto& [name, value] : names) {
-            const std::string number = std::to_string(value);
-            if (CLI::detail::to_lower(text) != name && text != number) continue;
-            text = number;
-            return {};
-        }
-        return text + " is none of " + list;
-    };
-    return CLI::Validator(toNumber, list);
-}
 
 // What remains to be done when the command line has been read.
 using Command = std::function<int()>;
@@ -89,40 +23,104 @@ void AddShow(CLI::App& program, const char* name, const char* about, ShowOptions
     CLI::App* command = program.add_subcommand(name, about);
     command->add_option("FILE", options.files, "Files to look at")->required();
     command->add_flag("--json", options.asJson, "Print JSON");
+    if (run == RunInfo)
+        command->add_flag("--stats", options.withStatistics, "Read the pixels too, and tell their range");
     command->callback([&options, &chosen, run] { chosen = [&options, run] { return run(options); }; });
 }
 
-void AddConvert(CLI::App& program, ConvertOptions& options, Command& chosen) {
-    CLI::App* command = program.add_subcommand("convert", "Load an image, crop and convert it, and save it");
-    command->add_option("IN", options.input, "Image file, or archive that begins with an image")->required();
-    command
-        ->add_option("OUT", options.output,
-                     "File to write; the extension bmp, tif or jpg tells its format, kxa makes an archive")
-        ->required();
-    command->add_option("--type", options.type, "Pixel type of the result; as loaded if not given")
+const std::map<std::string, Format> kFormats = {{"bmp", Format::Bmp},
+                                                {"tiff", Format::Tiff},
+                                                {"jpeg", Format::Jpeg},
+                                                {"png", Format::Png},
+                                                {"kxa", Format::Archive}};
+
+// What a command ends with: examples that can be run.
+void AddExamples(CLI::App& command, const char* examples) {
+    command.footer(std::string("Examples:\n") + examples);
+}
+
+void AddConvertOptions(CLI::App& command, ConvertOptions& options) {
+    command.add_option("--format", options.save.format, "Format of the result; else its extension tells it")
+        ->type_name("NAME")
+        ->transform(OneOf(kFormats));
+    command.add_option("--type", options.type, "Pixel type of the result; as loaded if not given")
         ->type_name("NAME")
         ->transform(OneOf(ConvertibleTypes()));
-    command->add_option("--file-type", options.format, "Format of the result, by name or number")
+    command
+        .add_option("--file-type", options.save.layout,
+                    "Layout of a BMP, TIFF or JPEG file, by name or number")
         ->type_name("NAME")
         ->transform(OneOf(WritableFileTypes()));
     command
-        ->add_option_function<std::vector<int>>(
+        .add_option_function<std::vector<int>>(
             "--roi", [&options](const std::vector<int>& numbers) { options.region = ToRegion(numbers); },
             "Part of the image to take in pixels")
         ->type_name("X,Y,WIDTH,HEIGHT")
         ->delimiter(',')
         ->expected(4);
-    command->add_option("--quality", options.quality, "Quality of a JPEG file, 0 to 100")
+    command.add_option("--quality", options.quality, "Quality of a JPEG file, 0 to 100")
         ->check(CLI::Range(0, 100))
         ->capture_default_str();
     command
-        ->add_option("--threshold", options.threshold, "Brightness from which a bilevel pixel is 1, 0 to 255")
+        .add_option("--threshold", options.threshold, "Brightness from which a bilevel pixel is 1, 0 to 255")
         ->check(CLI::Range(0, 255))
         ->capture_default_str();
     command
-        ->add_option("--strip-size", options.stripSize, "Bytes in a strip of a TIFF file; 0 makes one strip")
+        .add_option("--strip-size", options.stripSize, "Bytes in a strip of a TIFF file; 0 makes one strip")
         ->capture_default_str();
+}
+
+void AddConvert(CLI::App& program, ConvertOptions& options, Command& chosen) {
+    CLI::App* command = program.add_subcommand("convert", "Load an image, crop and convert it, and save it");
+    command
+        ->add_option(
+            "IN OUT", options.files,
+            "Image file, or archive that begins with an image, or -; and the file to write: .bmp, .tif, "
+            ".jpg and .png are image files, .kxa makes an archive. Several inputs go into a folder.")
+        ->required()
+        ->expected(2, -1);
+    AddConvertOptions(*command, options);
+    AddExamples(*command,
+                "  kalvo convert photo.jpg photo.png\n"
+                "  kalvo convert photo.jpg label.bmp --roi 10,20,40,30 --type bw8\n"
+                "  kalvo convert photo.jpg label.bmp . --format tiff\n");
     command->callback([&options, &chosen] { chosen = [&options] { return RunConvert(options); }; });
+}
+
+void AddBatch(CLI::App& program, ConvertOptions& options, Command& chosen) {
+    CLI::App* command =
+        program.add_subcommand("batch", "Convert all image files of a folder into another one");
+    command->add_option("FOLDERS", options.files, "The folder to read and the one to write, which is made")
+        ->required()
+        ->expected(2);
+    AddConvertOptions(*command, options);
+    AddExamples(*command, "  kalvo batch . converted --format png --type bw8\n");
+    command->callback([&options, &chosen] { chosen = [&options] { return RunBatch(options); }; });
+}
+
+void AddPixel(CLI::App& program, PixelOptions& options, Command& chosen) {
+    CLI::App* command = program.add_subcommand("pixel", "Print the raw values of pixels");
+    command->add_option("IN", options.input, "Image file, or archive that begins with an image, or -")
+        ->required();
+    command->add_option("PLACES", options.places, "Columns and rows of pixels")->type_name("X,Y")->required();
+    command->add_flag("--json", options.asJson, "Print JSON");
+    AddExamples(*command, "  kalvo pixel photo.jpg 0,0 10,20\n");
+    command->callback([&options, &chosen] { chosen = [&options] { return RunPixel(options); }; });
+}
+
+void AddCompare(CLI::App& program, CompareOptions& options, Command& chosen) {
+    CLI::App* command =
+        program.add_subcommand("compare", "Tell whether two images are the same: 0 when they are, else 1");
+    command->add_option("FIRST", options.first, "Image file, or archive that begins with an image, or -")
+        ->required();
+    command->add_option("SECOND", options.second, "The same")->required();
+    command
+        ->add_option("--tolerance", options.tolerance,
+                     "Greatest difference of a component that does not count")
+        ->capture_default_str();
+    command->add_flag("--json", options.asJson, "Print JSON");
+    AddExamples(*command, "  kalvo compare photo.jpg photo.jpg\n");
+    command->callback([&options, &chosen] { chosen = [&options] { return RunCompare(options); }; });
 }
 
 void AddFields(CLI::App& program, FieldsOptions& options, Command& chosen) {
@@ -148,7 +146,7 @@ void AddDraw(CLI::App& program, DrawOptions& options, Command& chosen) {
     CLI::App* command =
         program.add_subcommand("draw", "Draw an image with its regions, and save the picture");
     command->add_option("IN", options.input, "Image file, or archive that begins with an image")->required();
-    command->add_option("OUT", options.output, "PNG file to write")->required();
+    command->add_option("OUT", options.output, "File to write, as for convert")->required();
     command->add_option("--zoom", options.zoom, "Pixels of the picture for one of the image")
         ->check(CLI::Range(0.001f, 1000.0f))
         ->capture_default_str();
@@ -183,7 +181,7 @@ void AddDraw(CLI::App& program, DrawOptions& options, Command& chosen) {
 void AddPlot(CLI::App& program, PlotOptions& options, Command& chosen) {
     CLI::App* command = program.add_subcommand("plot", "Plot grey values or colours, and save the picture");
     command->add_option("IN", options.input, "Image file, or archive that begins with an image")->required();
-    command->add_option("OUT", options.output, "PNG file to write")->required();
+    command->add_option("OUT", options.output, "File to write, as for convert")->required();
     auto* kind = command->add_option_group("kind", "What to plot; the histogram if not given");
     kind->add_option("--row", options.row, "The pixels of a row");
     kind->add_option("--column", options.column, "The pixels of a column");
@@ -302,12 +300,18 @@ int Run(int argc, char** argv) {
     KxSetTraceMode(KX_TRACE_MODE_SILENT);
 
     CLI::App program("Looks at, converts and checks image files and archives.", "kalvo");
-    program.set_version_flag("--version", "kalvo " KALVO_PROGRAM_VERSION);
+    program.set_version_flag("-V,--version", "kalvo " KALVO_PROGRAM_VERSION);
     program.require_subcommand(1);
+    program.fallthrough();
+    program.get_formatter()->column_width(28);
+    program.add_flag_callback("--no-clobber", ForbidReplacing, "Never replace a file that exists");
+    AddExamples(program, "  kalvo info photo.jpg\n  kalvo help convert\n");
 
     Command chosen;
     ShowOptions info, archive;
-    ConvertOptions convert;
+    ConvertOptions convert, batch;
+    PixelOptions pixel;
+    CompareOptions compare;
     FieldsOptions fields;
     DrawOptions draw;
     PlotOptions plot;
@@ -317,7 +321,10 @@ int Run(int argc, char** argv) {
     TourOptions tour;
     AddShow(program, "info", "Tell what image files and archives hold", info, RunInfo, chosen);
     AddShow(program, "archive", "Print the tree of objects in archives", archive, RunArchive, chosen);
+    AddPixel(program, pixel, chosen);
+    AddCompare(program, compare, chosen);
     AddConvert(program, convert, chosen);
+    AddBatch(program, batch, chosen);
     AddFields(program, fields, chosen);
     AddDraw(program, draw, chosen);
     AddPlot(program, plot, chosen);
@@ -326,8 +333,16 @@ int Run(int argc, char** argv) {
     AddHistogram3d(program, cube, chosen);
     AddTour(program, tour, chosen);
 
+    RemoveUnfinishedFilesWhenInterrupted();
+    // "help VERB" is what many try first.
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (!arguments.empty() && arguments.front() == "help") {
+        arguments.erase(arguments.begin());
+        arguments.push_back("--help");
+    }
+    std::ranges::reverse(arguments);  // as the parser takes them
     try {
-        program.parse(argc, argv);
+        program.parse(std::move(arguments));
     } catch (const CLI::Success& helpOrVersion) {
         return program.exit(helpOrVersion);
     } catch (const CLI::Error& error) {

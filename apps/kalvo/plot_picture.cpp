@@ -9,7 +9,6 @@
 #include "kalvo/display/kxpixelvector.h"
 #include "canvas.h"
 #include "pixel_conversion.h"
-#include "png_file.h"
 #include "region.h"
 
 namespace App {
@@ -116,13 +115,13 @@ void DrawHistogram(Canvas& canvas, const KxROI<Pixel>& region) {
 void SaveProfile(KxGenericROI& region, PictureSize size, const std::string& path) {
     Canvas canvas(size.width, size.height);
     WithPixels<KxROI>(region, [&](const auto& typed) { DrawProfile(canvas, typed); });
-    SavePng(canvas.Image(), path);
+    SavePicture(canvas, path);
 }
 
 void SaveHistogram(KxGenericROI& region, PictureSize size, const std::string& path) {
     Canvas canvas(size.width, size.height);
     WithPixels<KxROI>(region, [&](const auto& typed) { DrawHistogram(canvas, typed); });
-    SavePng(canvas.Image(), path);
+    SavePicture(canvas, path);
 }
 
 }  // namespace App

@@ -17,7 +17,12 @@ int Show(const ShowOptions& options, const std::function<FileContents(const std:
     int exitCode = 0;
     for (const std::string& path : options.files) {
         Json file;
-        if (const auto failure = Attempt(path, [&] { file = Describe(path, load(path)); })) {
+        const auto describe = [&] {
+            const FileContents contents = load(path);
+            file = Describe(path, contents);
+            if (options.withStatistics) file["statistics"] = DescribeLevels(*contents.objects.front());
+        };
+        if (const auto failure = Attempt(path, describe)) {
             file = {{"file", path}, {"error", {{"code", failure->code}, {"text", failure->reason}}}};
             exitCode = 1;
         } else if (!options.asJson) {
@@ -43,7 +48,9 @@ std::string ToTrees(const Json& file) {
 
 }  // namespace
 
-int RunInfo(const ShowOptions& options) { return Show(options, DescribeFile, ToLines); }
+int RunInfo(const ShowOptions& options) {
+    return Show(options, options.withStatistics ? LoadFile : DescribeFile, ToLines);
+}
 
 int RunArchive(const ShowOptions& options) { return Show(options, LoadArchiveFile, ToTrees); }
 

@@ -123,7 +123,7 @@ void Tour::SaveAs(KxImage<Pixel>& image, std::initializer_list<IMAGE_FILE_TYPES>
         const char* extension = IsJpeg(format) ? ".jpg" : IsBmp(format) ? ".bmp" : ".tif";
         const std::string path =
             File(std::string(PixelTypeName(image.GetType())) + "-" + FileTypeName(format) + extension);
-        SaveImage(image, path, format);
+        SaveImage(image, path, {.layout = format});
         KxImage<Pixel> copy;
         const IMAGE_FILE_TYPES found = Checked([&] { return copy.Load(path.c_str()); });
         if (found != format) Check(false, path + ": found to be " + FileTypeName(found));
@@ -203,7 +203,7 @@ void Tour::MeasureRegions() {
 void Tour::Archive() {
     Heading("The whole tree in an archive");
     const std::string path = File("tour.kxa");
-    SaveImage(*m_photo, path, IMAGE_FILE_AUTO);
+    SaveImage(*m_photo, path);
     Photo copy;
     const std::unique_ptr<KxSerializer> reader(Checked([&] { return KxSerializer::CreateFileReader(path); }));
     Checked([&] { copy.Load(reader.get()); });
@@ -273,7 +273,7 @@ void Tour::PaintRegions() {
     }
     const int x = m_spot.GetTotalOrgX(), y = m_spot.GetTotalOrgY();
     Check(m_photo->GetPixel(x, y) == kRed, "a pixel set in a region shows in the photograph");
-    SaveImage(*m_photo, File("regions.jpg"), IMAGE_FILE_AUTO);
+    SaveImage(*m_photo, File("regions.jpg"));
     ShowPicture("regions.jpg");
 }
 

@@ -14,7 +14,6 @@
 #include "image_file.h"
 #include "pixel_conversion.h"
 #include "pixel_types.h"
-#include "png_file.h"
 #include "region.h"
 
 namespace App {
@@ -46,10 +45,7 @@ int Transform(const std::string& input, const std::string& second, const std::st
     const auto load = [&] { image = LoadImage(input); };
     const auto loadSecond = [&] { other = second.empty() ? nullptr : LoadImage(second); };
     const auto transform = [&] { picture = make(*image, other.get()); };
-    const auto save = [&] {
-        if (output.ends_with(".png")) return SavePng(*As<KxC24A>(*picture), output);
-        SaveImage(*picture, output, IMAGE_FILE_AUTO);
-    };
+    const auto save = [&] { SaveImage(*picture, output); };
     return Attempt(input, load) || Attempt(second, loadSecond) || Attempt(input, transform) ||
            Attempt(output, save);
 }

@@ -7,7 +7,6 @@
 
 #include "kalvo/display/kxgdidrawadapter.h"
 #include "canvas.h"
-#include "png_file.h"
 #include "region.h"
 
 namespace App {
@@ -63,7 +62,7 @@ void SaveTreePicture(KxGenericROI& image, const TreeStyle& style, const std::str
                              style.zoom, 0, 0);
         });
     });
-    SavePng(canvas.Image(), path);
+    SavePicture(canvas, path);
 }
 
 }  // namespace App

@@ -1,24 +1,18 @@
 // The program `kalvo` from outside: what it writes, says and returns.
 
+#include "tests/support/test.h"
+
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
-#include <cstdlib>
 #include <nlohmann/json.hpp>
-#include <set>
-
-#include "kalvo/kalvo.h"
-#include "tests/support/pixel_bytes.h"
-#include "tests/support/streams.h"
-#include "tests/support/temporary_folder.h"
 
 namespace Zelkor::Kalvo::Testing {
 namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 // Half a pair, a, and a whole pair.
 constexpr unsigned short kLoneSurrogate[] = {0xD800, 'a', 0xD83D, 0xDE00, 0};
@@ -29,11 +23,8 @@ struct Outcome {
     std::string errors;
 };
 
-// Width and height of a picture, as its file says.
-std::pair<int, int> PngSize(const Bytes& file) {
-    return file.size() < 24 ? std::pair(0, 0) : std::pair(file[18] << 8 | file[19], file[22] << 8 | file[23]);
-}
-
+// A folder with an image of 2 x 2 pixels as BMP, TIFF, JPEG and archive, a grey one of noise, and other
+// files.
 class Program : public testing::Test {
 protected:
     Program() {
@@ -48,16 +39,21 @@ protected:
         KxROI<KxC24> outer(&picture, 0, 0, 2, 2), inner(&outer, 1, 0, 1, 2);
         inner.SetTitle("inner");
         picture.Save(Stream(KxSerializer::CreateFileWriter(Path("tree.kxa"))).get());
+        FillPattern(noise, 1);
+        noise.Save(Path("noise.tif").c_str());
+        for (const char* name : {"photo.jpg", "up.jpg", "label.bmp"}) noise.Save(Path(name).c_str());
         folder.Write("text.txt", Bytes(100, 'x'));
+        folder.Write("empty", {});
+        std::filesystem::create_directory(Path("out"));
     }
 
     std::string Path(const std::string& name) const { return folder.File(name); }
 
-    // Runs the program in the folder.
-    Outcome Run(const std::string& arguments) const {
-        const std::string command =
-            "cd '" + Path("") + "' && '" KALVO_PROGRAM "' " + arguments + " >out.log 2>err.log";
-        const int status = std::system(command.c_str());
+    // Runs a shell command in the folder, in which `kalvo` is the program.
+    Outcome Run(const std::string& command) const {
+        const std::string script = "cd '" + Path("") + "' && kalvo() { '" KALVO_PROGRAM "' \"$@\"; } && (" +
+                                   command + ") >out.log 2>err.log";
+        const int status = std::system(script.c_str());
         return {WEXITSTATUS(status), Text("out.log"), Text("err.log")};
     }
 
@@ -66,267 +62,143 @@ protected:
         return {bytes.begin(), bytes.end()};
     }
 
-    std::string TypeIn(const std::string& name) const {
-        return json::parse(Run("info --json " + name).output)[0]["objects"][0]["type"];
-    }
-
     TemporaryFolder folder;
     KxImage<KxC24> picture{2, 2};
+    KxImage<KxBW8> noise{64, 64};
 };
 
-TEST_F(Program, TellsUsageFailureAndSuccessByItsExitCode) {
-    // What is run, its exit code, and how its messages start.
-    const std::tuple<std::string, int, std::string> runs[] = {
-        {"", 2, "kalvo: A subcommand is required"},
-        {"convert picture.bmp out.bmp --roi garbage", 2, "kalvo: --roi"},
-        {"convert picture.bmp out.bmp --roi=0,-1,1,1", 2, "kalvo: --roi"},
-        {"convert picture.bmp out.bmp --type c23", 2, "kalvo: --type: c23 is none of bw1, "},
-        {"convert picture.bmp out.bmp --file-type 9", 2, "kalvo: --file-type: 9 is none of "},
-        {"convert picture.bmp out.bmp --strip-size -1", 2, "kalvo: Could not convert: --strip-size"},
-        {"info picture.bmp missing.bmp", 1, "kalvo: missing.bmp: File could not be opened - "},
-        {"info text.txt", 1, "kalvo: text.txt: Bad file format - Check file source or contents (1105)\n"},
-        {"archive picture.bmp", 1, "kalvo: picture.bmp: Bad file format - "},
-        {"convert picture.bmp out.xyz", 1, "kalvo: out.xyz: Missing or unsupported file extension - "},
-        {"convert picture.bmp out.bmp --roi 1,1,2,1", 1, "kalvo: picture.bmp: ROI out of parent limits - "},
-        {"convert picture.bmp out.tif --file-type tiff-gray", 1, "kalvo: out.tif: Color format expected - "},
-        {"draw picture.bmp out.png --roi 0,0,1", 2, "kalvo: --roi: 0,0,1 is not X,Y,"},
-        {"draw picture.bmp out.png --mask star", 2, "kalvo: --mask: star is none of "},
-        {"draw picture.bmp out.png --mask ring --mask ring", 2, "kalvo: --mask: there are more "},
-        {"draw picture.bmp out.png --lut gain:1,0", 2, "kalvo: --lut: gain:1,0 is neither "},
-        {"draw picture.bmp out.png --lut threshold:7", 1, "kalvo: out.png: Unsupported image type - "},
-        {"draw picture.bmp none/out.png", 1, "kalvo: none/out.png: "},
-        {"plot picture.bmp out.png --row 0 --column 0", 2, "kalvo: "},
-        {"plot picture.bmp out.png --size 0x9", 2, "kalvo: --size: 0x9 is not WIDTHxHEIGHT"},
-        {"plot picture.bmp out.png --column 2", 1, "kalvo: out.png: ROI out of parent limits - "},
-        {"convert picture.bmp out.TIF --type BW8 --file-type tiff-gray-packbits", 0, ""},
-    };
-    for (const auto& [arguments, exitCode, errors] : runs) {
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.exitCode, exitCode) << arguments;
-        EXPECT_THAT(outcome.errors, StartsWith(errors)) << arguments;
-        EXPECT_EQ(outcome.errors.empty(), exitCode == 0) << arguments;
+// What is run, its exit code, and what its messages or, without any, its output hold.
+const std::tuple<const char*, int, const char*> kRuns[] = {
+    {"kalvo", 2, "A subcommand is required"},
+    {"kalvo -V", 0, "kalvo 6.7.1\n"},
+    {"kalvo help convert", 0, "kalvo convert photo.jpg photo.png"},
+    {"kalvo convert picture.bmp out.bmp --roi garbage", 2, "--roi"},
+    {"kalvo convert picture.bmp out.bmp --roi=0,-1,1,1", 2, "--roi"},
+    {"kalvo convert picture.bmp out.bmp --type c23", 2, "c23 is none of bw1, "},
+    {"kalvo draw picture.bmp out.png --lut gain:1,0", 2, "gain:1,0 is neither "},
+    {"kalvo draw picture.bmp out.png --mask ring --mask ring", 2, "more masks than regions"},
+    {"kalvo plot picture.bmp out.png --size 0x9", 2, "0x9 is not WIDTHxHEIGHT"},
+    {"kalvo info picture.bmp missing.bmp", 1,
+     "kalvo: missing.bmp: cannot be opened: No such file or directory (1102)"},
+    {"kalvo info out", 1, "kalvo: out: is a folder"},
+    {"kalvo info empty", 1, "kalvo: empty: is empty"},
+    {"kalvo info text.txt", 1, "is neither BMP, TIFF, JPEG, PNG nor an archive; it begins with 78 78"},
+    {"kalvo info \"$(printf 'a\\nb')\"", 1, "kalvo: a\\x0ab: "},
+    {"kalvo archive picture.bmp", 1, "picture.bmp: Bad file format"},
+    {"kalvo convert picture.bmp out.xyz", 1, "out.xyz: the name has no extension that tells a format"},
+    {"kalvo convert picture.bmp a.bmp --roi 1,1,2,1", 1, "picture.bmp: the part reaches beyond the image"},
+    {"kalvo convert picture.bmp a.tif --file-type tiff-gray", 1, "try --type bw8"},
+    {"kalvo convert picture.bmp none/a.png", 1, "none/a.png: cannot be written: No such file or directory"},
+    {"kalvo convert picture.bmp /dev/full --format bmp", 1, "/dev/full: cannot be written: No space left"},
+    {"kalvo convert picture.bmp noise.tif empty --format png", 1, "empty: is no folder for several files"},
+    {"kalvo --no-clobber convert picture.bmp empty --format png", 1, "exists already"},
+    {"kalvo pixel picture.bmp 0,2", 1, "0,2 lies outside of 2 x 2 pixels"},
+    {"kalvo fields up.jpg picture.bmp a.bmp", 1, "the JPEG codec fails"},
+    {"kalvo resize noise.tif a.tif --scale 2 && kalvo convert a.tif a.tif --type bw1 && kalvo resize a.tif "
+     "b.tif --scale 2",
+     1, "Images of type bw1 cannot be resized"},
+    // What works.
+    {"kalvo pixel picture.tif 0,1 1,1", 0, "0,1: 255 0 0\n1,1: 132 130 132\n"},
+    {"kalvo compare picture.bmp picture.tif", 0, "the same\n"},
+    {"kalvo compare picture.bmp noise.tif", 1, "different kinds: c24, 2 x 2 and bw8, 64 x 64 pixels\n"},
+    {"kalvo convert picture.bmp - --format png | kalvo compare - picture.bmp", 0, "the same\n"},
+    {"kalvo convert noise.tif n.PNG && kalvo convert n.PNG n.tiff && kalvo compare n.tiff noise.tif", 0,
+     "the same\n"},
+    {"kalvo convert noise.tif noise.tif && kalvo compare noise.tif label.bmp", 0, "the same\n"},
+    {"kalvo convert tree.kxa lost.bmp", 0,
+     "tree.kxa: its regions are left out\nkalvo: lost.bmp: the format does not keep texts\n"},
+    {"kalvo info --stats label.bmp", 0, "levels          0 to 255"},
+    {"kalvo convert picture.bmp label.bmp missing out --format tiff; ls out", 0, "2 converted, 1 failed"},
+    {"kalvo batch . all --format kxa --type bw8", 0, "converted, 0 failed\n"},
+    {"kalvo archive tree.kxa", 0,
+     "tree.kxa\n  image c24, 2 x 2 pixels, pixel size 0.1 x 0.2 mm, title \"gr\uFFFDn\", "
+     "commentUnicode \"\uFFFDa\U0001F600\"\n    region c24 at (0, 0), 2 x 2 pixels\n"
+     "      region c24 at (1, 0), 1 x 2 pixels, title \"inner\"\n"},
+    {"kalvo convert noise.tif good.jpg && kalvo convert noise.tif poor.jpg --quality 10 && "
+     "test $(stat -c %s good.jpg) -gt $((2 * $(stat -c %s poor.jpg)))",
+     0, ""},
+    {"kalvo relief photo.jpg a.bmp --angles 0,0 --scale 1,1,0 --point 1 --size 64x64 && kalvo compare a.bmp "
+     "photo.jpg",
+     0, "the same\n"},
+    {"kalvo histogram3d picture.bmp a.png --size 80x60 && kalvo info a.png", 0, "80 x 60 pixels"},
+    {"kalvo plot noise.tif a.png && kalvo info a.png", 0, "800 x 400 pixels"},
+    {"kalvo draw tree.kxa a.png --zoom 20 --handles --roi 0,0,1,1 --mask ring && kalvo info a.png", 0,
+     "40 x 40 pixels"},
+    {"kalvo fields up.jpg photo.jpg a.bmp --scale half && kalvo info a.bmp", 0, "32 x 64 pixels"},
+    {"kalvo resize tree.kxa a.kxa --size 4x1 && kalvo info a.kxa", 0, "pixel size      0.05 x 0.4"},
+    {"kalvo tour photo.jpg --output files", 0, "28 checks passed, 0 failed; files in files"},
+};
+
+TEST_F(Program, DoesAndSaysWhatTheTableTells) {
+    for (const auto& [command, exitCode, text] : kRuns) {
+        const Outcome outcome = Run(command);
+        EXPECT_EQ(outcome.exitCode, exitCode) << command << '\n' << outcome.errors;
+        EXPECT_THAT(outcome.errors + outcome.output, HasSubstr(text)) << command;
     }
-    EXPECT_EQ(Run("--version").output, "kalvo 6.7.1\n");
-    EXPECT_THAT(Run("--help").output, AllOf(HasSubstr("info"), HasSubstr("convert"), HasSubstr("tour")));
+}
+
+TEST_F(Program, RunsTheExamplesOfItsHelp) {
+    const std::string verbs =
+        Run("kalvo --help | sed -n '/Subcommands/,/Examples/p' | awk '/^  [a-z]/ {print $1}'").output;
+    std::istringstream lines(verbs + "\n");
+    int count = 0;
+    for (std::string verb; std::getline(lines, verb);) {
+        const std::string examples =
+            Run("kalvo " + verb + " --help | sed -n '/^Examples:/,$p' | grep '^  kalvo'").output;
+        std::istringstream commands(examples);
+        for (std::string command; std::getline(commands, command); ++count)
+            EXPECT_EQ(Run(command).exitCode, 0) << command << '\n' << Text("err.log");
+    }
+    EXPECT_GE(count, 12);
 }
 
 TEST_F(Program, ConvertsEveryPixelTypeThereAndBack) {
-    const Bytes grays{0, 0, 0, 255, 255, 255, 76, 76, 76, 131, 131, 131};
-    const Bytes colors = PixelBytes(picture);
-    const std::pair<std::string, Bytes> conversions[] = {
-        {"bw1", {0, 0, 0, 255, 255, 255, 0, 0, 0, 255, 255, 255}},
-        {"bw8", grays},
-        {"bw16", grays},
-        {"bw32", grays},
-        {"c15", {0, 0, 0, 255, 255, 255, 0, 0, 255, 132, 132, 132}},
-        {"c16", colors},
-        {"c24", colors},
-        {"c24a", colors},
-    };
-    for (const auto& [type, pixels] : conversions) {
-        ASSERT_EQ(Run("convert picture.bmp there.kxa --type " + type).exitCode, 0) << type;
-        EXPECT_EQ(TypeIn("there.kxa"), type);
-        ASSERT_EQ(Run("convert there.kxa back.bmp --type c24").exitCode, 0) << type;
-        KxImage<KxC24> back;
-        back.Load(Path("back.bmp").c_str());
-        EXPECT_EQ(PixelBytes(back), pixels) << type;
-    }
-    ASSERT_EQ(Run("convert picture.bmp deep.bmp --type c24a").exitCode, 0);
-    EXPECT_EQ(TypeIn("deep.bmp"), "c24a");
-}
-
-TEST_F(Program, AppliesThresholdQualityAndStripSize) {
-    Run("convert picture.bmp dark.bmp --type bw1 --threshold 132");
-    KxImage<KxBW1> dark;
-    dark.Load(Path("dark.bmp").c_str());
-    EXPECT_EQ(dark.GetPixel(1, 1), 0);
-
-    KxImage<KxBW8> noise(64, 64);
-    FillPattern(noise, 1);
-    noise.Save(Path("noise.tif").c_str());
-    Run("convert noise.tif good.jpg --quality 95");
-    Run("convert noise.tif poor.jpg --quality 10");
-    EXPECT_GT(folder.Read("good.jpg").size(), 2 * folder.Read("poor.jpg").size());
-    Run("convert noise.tif one.tif --strip-size 0");
-    Run("convert noise.tif many.tif --strip-size 64");
-    EXPECT_EQ(folder.Read("many.tif").size(), folder.Read("one.tif").size() + 64 * 8);
-}
-
-TEST_F(Program, CropsAndKeepsTextsAndPixelSize) {
-    ASSERT_EQ(Run("convert tree.kxa part.kxa --roi 0,1,2,1").exitCode, 0);
-    KxImage<KxC24> part;
-    part.Load(Stream(KxSerializer::CreateFileReader(Path("part.kxa"))).get());
-    ASSERT_EQ(part.GetExtent(), GenericRoiExtent(0, 0, 2, 1));
-    EXPECT_EQ(PixelBytes(part), (Bytes{0, 0, 255, 132, 130, 132}));
-    EXPECT_STREQ(part.GetTitle(), "gr\xFCn");
-    EXPECT_EQ(std::basic_string_view(part.GetCommentUnicode()), std::basic_string_view(kLoneSurrogate));
-    float width, height;
-    const KxMeasurementUnit* unit;
-    part.GetPixelDimensions(width, height, unit);
-    EXPECT_EQ(std::tuple(width, height, std::string(unit->GetName())), std::tuple(0.1f, 0.2f, "mm"));
+    const char* const grays = "0 0 0 255 255 255 76 76 76 131 131 131";
+    const char* const colors = "0 0 0 255 255 255 255 0 0 132 130 132";
+    const std::pair<std::string, const char*> conversions[] = {
+        {"bw1", "0 0 0 255 255 255 0 0 0 255 255 255"},   {"bw8", grays},  {"bw16", grays}, {"bw32", grays},
+        {"c15", "0 0 0 255 255 255 255 0 0 132 132 132"}, {"c16", colors}, {"c24", colors}, {"c24a", colors}};
+    for (const auto& [type, pixels] : conversions)
+        EXPECT_EQ(Run("kalvo convert picture.bmp there.kxa --type " + type +
+                      " && kalvo convert there.kxa back.bmp --type c24 && "
+                      "kalvo pixel back.bmp 0,0 1,0 0,1 1,1 | sed 's/.*: //' | tr '\\n' ' '")
+                      .output,
+                  pixels + std::string(" "))
+            << type;
 }
 
 TEST_F(Program, DescribesFilesAsJsonWhateverTheirTexts) {
-    const Outcome outcome = Run("info --json tree.kxa text.txt picture.tif");
+    const Outcome outcome = Run("kalvo info --json tree.kxa text.txt picture.tif");
     EXPECT_EQ(outcome.exitCode, 1);
     const json files = json::parse(outcome.output);
-    ASSERT_EQ(files.size(), 3u);
-
-    const json& image = files[0]["objects"][0];
+    const json& image = files.at(0)["objects"][0];
     EXPECT_EQ(files[0]["format"], "archive");
     EXPECT_EQ(image["texts"],
               json::parse(R"({"title": "gr\ufffdn", "commentUnicode": "\ufffda\ud83d\ude00"})"));
     EXPECT_EQ(image["pixelSize"], json::parse(R"({"width": 0.1, "height": 0.2, "unit": "mm"})"));
-    const json& inner = image["regions"][0]["regions"][0];
-    EXPECT_EQ(std::tuple(inner["x"], inner["y"], inner["width"], inner["height"]), std::tuple(1, 0, 1, 2));
+    EXPECT_EQ(image["regions"][0]["regions"][0]["x"], 1);
     EXPECT_EQ(files[1]["error"]["code"], KX_ERROR_BAD_FILE_FORMAT);
+    EXPECT_EQ(files[2]["schema"], "kalvo-info-1");
     EXPECT_EQ(files[2]["format"], "tiff-color");
 }
 
-TEST_F(Program, PrintsTheTreeOfAnArchive) {
-    EXPECT_EQ(Run("archive tree.kxa").output,
-              "tree.kxa\n"
-              "  image c24, 2 x 2 pixels, pixel size 0.1 x 0.2 mm, title \"gr\uFFFDn\", "
-              "commentUnicode \"\uFFFDa\U0001F600\"\n"
-              "    region c24 at (0, 0), 2 x 2 pixels\n"
-              "      region c24 at (1, 0), 1 x 2 pixels, title \"inner\"\n");
-}
-
-TEST_F(Program, InterlacesFieldsInEverySize) {
-    const auto writeField = [&](const char* name, int height, std::uint8_t gray) {
-        KxImage<KxBW8> field(20, height);
-        SetPixelBytes(field, Bytes(20 * height, gray));
-        field.Save(Path(name).c_str());
-    };
-    writeField("up.jpg", 8, 200);
-    writeField("down.jpg", 8, 40);
-    writeField("taller.jpg", 9, 40);
-    const std::pair<std::string, GenericRoiExtent> sizes[] = {{"", {0, 0, 20, 16}},
-                                                              {" --scale HALF", {0, 0, 10, 8}},
-                                                              {" --scale quarter", {0, 0, 5, 4}},
-                                                              {" --scale 3", {0, 0, 3, 2}}};
-    for (const auto& [scale, extent] : sizes) {
-        ASSERT_EQ(Run("fields up.jpg down.jpg frame.bmp" + scale).exitCode, 0) << scale;
-        KxImage<KxC24> frame;
-        frame.Load(Path("frame.bmp").c_str());
-        EXPECT_EQ(frame.GetExtent(), extent);
-        EXPECT_EQ(frame.GetPixel(2, 0), KxC24(200, 200, 200));
-        EXPECT_EQ(frame.GetPixel(2, 1), KxC24(40, 40, 40));
-    }
-    EXPECT_EQ(Run("fields up.jpg taller.jpg frame.bmp").errors,
-              "kalvo: up.jpg and taller.jpg: Unknown error code: 14991 (14991)\n");
-    EXPECT_THAT(Run("fields up.jpg text.bmp frame.bmp").errors,
-                StartsWith("kalvo: text.bmp: File could not be"));
-    EXPECT_EQ(Run("fields up.jpg down.jpg frame.bmp --scale third").exitCode, 2);
-}
-
-TEST_F(Program, DrawsPictures) {
-    KxImage<KxBW8> noise(60, 40);
-    FillPattern(noise, 1);
-    noise.Save(Path("noise.tif").c_str());
-    const auto draw = [&](const std::string& arguments) {
-        const Outcome outcome = Run("draw " + arguments.substr(0, arguments.find(' ')) + " out.png" +
-                                    arguments.substr(arguments.find(' ')));
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-        return folder.Read("out.png");
-    };
-    const Bytes plain = draw("noise.tif ");
-    EXPECT_EQ(PngSize(plain), std::pair(60, 40));
-    EXPECT_EQ(PngSize(draw("noise.tif --zoom 2.5")), std::pair(150, 100));
-    EXPECT_EQ(draw("noise.tif --lut gain:1,0,1"), plain);
-    // Each of these adds to the one before it, or replaces it.
-    const std::string drawings[] = {"noise.tif ",
-                                    "noise.tif --lut threshold:100",
-                                    "noise.tif --roi 10,10,30,20",
-                                    "noise.tif --roi 10,10,30,20 --handles",
-                                    "noise.tif --roi 10,10,30,20 --handles --mask ellipse",
-                                    "noise.tif --roi 10,10,30,20 --handles --mask ring",
-                                    "noise.tif --roi 10,10,30,20 --roi 0,0,5,5 --mask rect --mask ring",
-                                    "noise.tif --mask ring"};
-    std::set<Bytes> pictures;
-    for (const std::string& drawing : drawings) EXPECT_TRUE(pictures.insert(draw(drawing)).second) << drawing;
-    EXPECT_NE(draw("tree.kxa "), draw("picture.bmp ")) << "regions of an archive are framed";
-}
-
-TEST_F(Program, PlotsProfilesAndHistograms) {
-    const auto plot = [&](const std::string& arguments) {
-        const Outcome outcome = Run("plot picture.bmp out.png " + arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-        return folder.Read("out.png");
-    };
-    EXPECT_EQ(PngSize(plot("")), std::pair(800, 400));
-    EXPECT_EQ(PngSize(plot("--size 300x200 --row 1")), std::pair(300, 200));
-    EXPECT_EQ(plot("--histogram"), plot(""));
-    EXPECT_EQ(plot("--column 1"), plot("--column 0 --roi 1,0,1,2"));
-    EXPECT_NE(plot("--row 0"), plot("--row 1"));
-    for (const char* type : {"bw1", "bw8", "bw16", "bw32", "c15", "c16", "c24a"}) {
-        Run("convert picture.bmp typed.kxa --type " + std::string(type));
-        for (const char* kind : {"--row 0", "--histogram"})
-            EXPECT_EQ(Run("plot typed.kxa out.png " + std::string(kind)).exitCode, 0) << type << kind;
-    }
-}
-
-TEST_F(Program, ResizesAndTellsTheNewPixelSize) {
-    ASSERT_EQ(Run("resize tree.kxa out.kxa --size 4x1").exitCode, 0);
-    KxImage<KxC24> result;
-    result.Load(Stream(KxSerializer::CreateFileReader(Path("out.kxa"))).get());
-    EXPECT_EQ(PixelBytes(result), (Bytes{0, 0, 0, 0, 0, 0, 255, 255, 255, 255, 255, 255}));
-    EXPECT_STREQ(result.GetTitle(), "gr\xFCn");
-    float width, height;
-    const KxMeasurementUnit* unit;
-    result.GetPixelDimensions(width, height, unit);
-    EXPECT_EQ(std::tuple(width, height), std::tuple(0.05f, 0.4f));
-
-    ASSERT_EQ(Run("resize picture.bmp out.bmp --scale 2,0.5").exitCode, 0);
-    KxImage<KxC24> scaled;
-    scaled.Load(Path("out.bmp").c_str());
-    EXPECT_TRUE(SamePixels(scaled, result));
-    for (const std::string type : {"bw1", "bw8", "bw16", "bw32", "c15", "c16", "c24", "c24a"}) {
-        Run("convert picture.bmp typed.kxa --type " + type);
-        const Outcome outcome = Run("resize typed.kxa out.kxa --scale 3");
-        if (type == "bw1" || type == "bw32")
-            EXPECT_THAT(outcome.errors, HasSubstr("Images of type " + type + " cannot be resized (1418)"));
-        else
-            EXPECT_EQ(std::pair(outcome.exitCode, TypeIn("out.kxa")), std::pair(0, type));
-    }
-}
-
-TEST_F(Program, RendersReliefsAndColorCubes) {
-    KxImage<KxC24> photo(40, 30);
-    FillPattern(photo, 1);
-    photo.Save(Path("photo.bmp").c_str());
-    Run("convert photo.bmp gray.tif --type bw8");
-    const auto render = [&](const std::string& arguments) {
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << arguments << ": " << outcome.errors;
-        return folder.Read("out.bmp");
-    };
-    const std::string fromAbove = " out.bmp --angles 0,0 --scale 1,1,0 --point 1 --size 40x30";
-    EXPECT_EQ(render("relief photo.bmp" + fromAbove), folder.Read("photo.bmp"));
-    EXPECT_EQ(render("relief photo.bmp --heights gray.tif" + fromAbove), folder.Read("photo.bmp"));
-    EXPECT_EQ(render("relief gray.tif" + fromAbove),
-              (Run("convert gray.tif gray.bmp"), folder.Read("gray.bmp")));
-    EXPECT_EQ(render("relief photo.bmp out.bmp --angles -40,15"), render("relief photo.bmp out.bmp"));
-    EXPECT_NE(render("relief photo.bmp out.bmp --angles 40,15"), render("relief photo.bmp out.bmp"));
-    EXPECT_EQ(Run("relief photo.bmp out.bmp --heights picture.bmp").exitCode, 1);
-
-    const Bytes cube = render("histogram3d photo.bmp out.bmp");
-    EXPECT_EQ(
-        cube,
-        render("histogram3d photo.bmp out.bmp --coordinates photo.bmp --angles -155,35 --size 600x600"));
-    EXPECT_NE(cube, render("histogram3d photo.bmp out.bmp --coordinates gray.tif"));
-    EXPECT_EQ(Run("histogram3d photo.bmp out.bmp --size 600").exitCode, 2);
-}
-
-TEST_F(Program, TakesAPictureOnTheTour) {
-    KxImage<KxC24> photo(80, 60);
-    FillPattern(photo, 1);
-    photo.Save(Path("photo.jpg").c_str());
-    const Outcome outcome = Run("tour photo.jpg --output files");
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.output << outcome.errors;
-    for (const char* name : {"files/regions.png", "files/histogram.png", "files/profile.png"})
-        EXPECT_GT(PngSize(folder.Read(name)).first, 0) << name;
-    EXPECT_THAT(outcome.output, HasSubstr("\n28 checks passed, 0 failed; files in files\n"));
+// The old file or the new one, with the old one's permissions, and nothing beside it.
+TEST_F(Program, WritesFilesWholeOrNotAtAll) {
+    const Bytes old = folder.Read("label.bmp");
+    chmod(Path("label.bmp").c_str(), 0640);
+    const char* const failing[] = {
+        "ulimit -f 1; trap '' XFSZ; kalvo convert picture.bmp label.bmp --type c24 && kalvo resize noise.tif "
+        "label.bmp --scale 9",
+        "mkfifo pipe; (kalvo convert - label.bmp <pipe & pid=$!; exec 3>pipe; sleep 0.1; kill $pid; wait "
+        "$pid)"};
+    EXPECT_NE(Run(std::string("cp label.bmp kept.bmp; ") + failing[0]).exitCode, 0);
+    EXPECT_NE(Run(failing[1]).exitCode, 0);
+    EXPECT_EQ(Run("ls -A | grep -c '^.kalvo'").output, "0\n");
+    EXPECT_EQ(Run("ln -s label.bmp link.bmp && kalvo convert picture.bmp link.bmp && test -h link.bmp && "
+                  "stat -c %a label.bmp")
+                  .output,
+              "640\n");
+    EXPECT_NE(folder.Read("label.bmp"), old);
 }
 
 }  // namespace
