@@ -8,7 +8,8 @@ packages=(
     libjpeg62-turbo-dev                         # the library: images
     libfreetype-dev libfontconfig-dev           # the library: texts
     fonts-dejavu-core                           # letters for the demonstration and the tests
-    libcli11-dev nlohmann-json3-dev libpng-dev  # the program
+    libcli11-dev nlohmann-json3-dev libpng-dev  # the programs
+    libsdl2-dev                                 # the viewer's window
     libgtest-dev libgmock-dev libbenchmark-dev  # tests and benchmarks
     python-matplotlib-data                      # a photograph for the demonstration
     "$@"

@@ -9,7 +9,7 @@
 
 #include "kalvo/display/kxpixelvector.h"
 #include "kalvo/image/kxroiextent.h"
-#include "plot_picture.h"
+#include "common/canvas.h"
 
 namespace App {
 

@@ -11,8 +11,8 @@
 #include "kalvo/image/kxroiextent.h"
 #include "kalvo/imagefiles/kxjpeghandler.h"
 #include "kalvo/pixels/kxpixel.h"
-#include "image_file.h"
-#include "plot_picture.h"
+#include "common/canvas.h"
+#include "common/image_file.h"
 
 namespace App {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "kalvo/image/kximage.h"
-#include "pixel_conversion.h"
+#include "common/pixel_conversion.h"
 
 namespace App {
 

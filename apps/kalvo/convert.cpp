@@ -10,12 +10,12 @@
 #include "kalvo/frame/kxlibrary.h"
 #include "kalvo/measure/kxunit.h"
 #include "commands.h"
-#include "failure.h"
-#include "image_file.h"
-#include "input_file.h"
-#include "pixel_conversion.h"
-#include "pixel_types.h"
-#include "region.h"
+#include "common/failure.h"
+#include "common/image_file.h"
+#include "common/input_file.h"
+#include "common/pixel_conversion.h"
+#include "common/pixel_types.h"
+#include "common/region.h"
 
 namespace App {
 namespace {

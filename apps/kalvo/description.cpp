@@ -8,9 +8,9 @@
 #include <sstream>
 
 #include "kalvo/measure/kxunit.h"
-#include "components.h"
-#include "failure.h"
-#include "pixel_types.h"
+#include "common/components.h"
+#include "common/failure.h"
+#include "common/pixel_types.h"
 #include "utf16.h"
 
 namespace App {

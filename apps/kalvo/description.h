@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "image_file.h"
+#include "common/image_file.h"
 
 namespace App {
 

@@ -3,9 +3,9 @@
 #include <deque>
 
 #include "commands.h"
-#include "image_file.h"
-#include "region.h"
-#include "tree_picture.h"
+#include "common/image_file.h"
+#include "common/region.h"
+#include "common/trees.h"
 
 namespace App {
 namespace {
@@ -34,7 +34,7 @@ void Draw(KxImage<Pixel>& image, const DrawOptions& options) {
         for (std::size_t i = 0; i < options.masks.size(); ++i) SetMask(regions[i], options.masks[i]);
     });
     const KxBW8Vector* table = options.table ? &*options.table : nullptr;
-    SaveTreePicture(image, {options.zoom, options.handles, table}, options.output);
+    SaveTreePicture(image, {.zoom = options.zoom, .handles = options.handles}, table, options.output);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // The command `fields`.
 
 #include "commands.h"
-#include "failure.h"
-#include "image_file.h"
+#include "common/failure.h"
+#include "common/image_file.h"
 
 namespace App {
 

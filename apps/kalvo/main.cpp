@@ -7,8 +7,8 @@
 #include "kalvo/frame/kxtrace.h"
 #include "arguments.h"
 #include "commands.h"
-#include "output_file.h"
-#include "pixel_types.h"
+#include "common/output_file.h"
+#include "common/pixel_types.h"
 
 namespace App {
 namespace {

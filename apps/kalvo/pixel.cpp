@@ -6,10 +6,10 @@
 #include <iostream>
 
 #include "commands.h"
-#include "components.h"
+#include "common/components.h"
+#include "common/failure.h"
+#include "common/region.h"
 #include "description.h"
-#include "failure.h"
-#include "region.h"
 
 namespace App {
 namespace {

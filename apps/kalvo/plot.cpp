@@ -1,8 +1,9 @@
 // The command `plot`.
 
 #include "commands.h"
-#include "image_file.h"
-#include "region.h"
+#include "common/image_file.h"
+#include "common/plots.h"
+#include "common/region.h"
 
 namespace App {
 namespace {
@@ -14,10 +15,12 @@ void Plot(KxImage<Pixel>& image, const PlotOptions& options) {
     AttachPart(part, image, options.region.value_or(Extent(0, 0, image.GetWidth(), image.GetHeight())));
     if (options.row) AttachPart(line, part, {0, *options.row, part.GetWidth(), 1});
     if (options.column) AttachPart(line, part, {*options.column, 0, 1, part.GetHeight()});
-    if (options.row || options.column)
-        SaveProfile(line, options.size, options.output);
-    else
-        SaveHistogram(part, options.size, options.output);
+    SavePlot(options.size, options.output, [&](HDC context, const Extent& box) {
+        if (options.row || options.column)
+            DrawProfile(context, box, line);
+        else
+            DrawHistogram(context, box, part);
+    });
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <iostream>
 
 #include "commands.h"
+#include "common/failure.h"
 #include "description.h"
-#include "failure.h"
 
 namespace App {
 namespace {

@@ -10,14 +10,14 @@
 #include "kalvo/measure/kxunit.h"
 #include "kalvo/streams/kxserializer.h"
 #include "commands.h"
+#include "common/failure.h"
+#include "common/image_file.h"
+#include "common/pixel_types.h"
+#include "common/plots.h"
+#include "common/region.h"
+#include "common/trees.h"
 #include "comparison.h"
 #include "description.h"
-#include "failure.h"
-#include "image_file.h"
-#include "pixel_types.h"
-#include "plot_picture.h"
-#include "region.h"
-#include "tree_picture.h"
 
 namespace App {
 namespace {
@@ -226,13 +226,15 @@ void Tour::DrawPictures() {
     Heading(
         "Pictures: the regions with handles and masks, a histogram, a profile, a relief, a cube of colours");
     Checked([&] { m_upper.SetRingMask(0.6f); });
-    SaveTreePicture(*m_photo, {.handles = true}, File("regions.png"));
+    SaveTreePicture(*m_photo, {.handles = true}, nullptr, File("regions.png"));
     ShowPicture("regions.png");
-    SaveHistogram(*m_photo, {}, File("histogram.png"));
+    SavePlot({}, File("histogram.png"),
+             [&](HDC context, const Extent& box) { DrawHistogram(context, box, *m_photo); });
     ShowPicture("histogram.png");
     Region row;
     AttachPart(row, *m_photo, {0, m_photo->GetHeight() / 3, m_photo->GetWidth(), 1});
-    SaveProfile(row, {}, File("profile.png"));
+    SavePlot({}, File("profile.png"),
+             [&](HDC context, const Extent& box) { DrawProfile(context, box, row); });
     ShowPicture("profile.png");
     Check(RunRelief({.input = m_picture.string(), .output = File("relief.png")}) == 0, "relief.png drawn");
     ShowPicture("relief.png");

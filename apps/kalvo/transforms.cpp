@@ -11,10 +11,11 @@
 #include "kalvo/transforms/kxrelief.h"
 #include "kalvo/transforms/kxresize.h"
 #include "commands.h"
-#include "image_file.h"
-#include "pixel_conversion.h"
-#include "pixel_types.h"
-#include "region.h"
+#include "common/image_file.h"
+#include "common/pixel_conversion.h"
+#include "common/pixel_types.h"
+#include "common/region.h"
+#include "common/space.h"
 
 namespace App {
 namespace {
@@ -23,9 +24,6 @@ using ResizablePixels = std::tuple<KxBW8, KxBW16, KxC15, KxC16, KxC24, KxC24A>;
 using GrayPixels = std::tuple<KxBW1, KxBW8, KxBW16, KxBW32>;
 
 constexpr PixelMaker kMaker{.threshold = 128};
-constexpr float kLevels = 256;
-constexpr float kSteepness = 0.12f;                // height of a relief, by the longer side of its image
-constexpr float kFilledPart = 0.9f;                // of a picture
 constexpr PictureSize kLargestRelief{1200, 1200};  // when no size is given
 constexpr int kLargestPicture = 32000;
 
@@ -80,24 +78,6 @@ Object Resize(KxImage<Pixel>& image, const ResizeOptions& options) {
     return result;
 }
 
-struct Box {
-    float width, height, depth;
-};
-
-// Width and height in a picture of a box that is turned by two angles.
-Box Turned(const Box& box, const std::array<float, 2>& angles) {
-    const float a = KxToRadians(angles[0]), b = KxToRadians(angles[1]);
-    const float ca = std::abs(std::cos(a)), sa = std::abs(std::sin(a));
-    const float cb = std::abs(std::cos(b)), sb = std::abs(std::sin(b));
-    return {cb * box.width + sb * (sa * box.height + ca * box.depth), ca * box.height + sa * box.depth, 0};
-}
-
-// The scale at which the box fills a picture of that size, but for a margin.
-float FittingScale(const Box& box, const PictureSize& size) {
-    return kFilledPart *
-           std::min(static_cast<float>(size.width) / box.width, static_cast<float>(size.height) / box.height);
-}
-
 // The picture that the box fills, but for a margin.
 PictureSize FittingSize(const Box& box) {
     const auto side = [](float length) {
@@ -113,12 +93,11 @@ struct ReliefLayout {
 
 // Fits picture and relief together as far as they are not given.
 ReliefLayout LayOut(const KxGenericROI& image, const ReliefOptions& options) {
-    const float width = static_cast<float>(image.GetWidth()), height = static_cast<float>(image.GetHeight());
-    const float perLevel = kSteepness * std::max(width, height) / kLevels;
+    const Box box = ReliefBox(image);
     const auto boxOf = [&](const std::array<float, 3>& scales) {
-        return Turned({scales[0] * width, scales[1] * height, scales[2] * kLevels}, options.angles);
+        return Turned({scales[0] * box.width, scales[1] * box.height, scales[2] * kLevels}, options.angles);
     };
-    std::array<float, 3> scales{1, 1, perLevel};
+    std::array<float, 3> scales{1, 1, box.depth / kLevels};
     if (options.scales) {
         scales = *options.scales;
     } else {

@@ -1,10 +1,9 @@
 // The program `kalvo` from outside: what it writes, says and returns.
 
-#include "tests/support/test.h"
+#include "tests/apps/program.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 #include <nlohmann/json.hpp>
 
@@ -17,17 +16,11 @@ using testing::HasSubstr;
 // Half a pair, a, and a whole pair.
 constexpr unsigned short kLoneSurrogate[] = {0xD800, 'a', 0xD83D, 0xDE00, 0};
 
-struct Outcome {
-    int exitCode;
-    std::string output;
-    std::string errors;
-};
-
 // A folder with an image of 2 x 2 pixels as BMP, TIFF, JPEG and archive, a grey one of noise, and other
 // files.
-class Program : public testing::Test {
+class KalvoProgram : public Program {
 protected:
-    Program() {
+    KalvoProgram() {
         KxSetTraceMode(KX_TRACE_MODE_SILENT);
         // Black, white, red, and a grey whose bits fit all pixel types.
         SetPixelBytes(picture, {0, 0, 0, 255, 255, 255, 0, 0, 255, 132, 130, 132});
@@ -47,22 +40,6 @@ protected:
         std::filesystem::create_directory(Path("out"));
     }
 
-    std::string Path(const std::string& name) const { return folder.File(name); }
-
-    // Runs a shell command in the folder, in which `kalvo` is the program.
-    Outcome Run(const std::string& command) const {
-        const std::string script = "cd '" + Path("") + "' && kalvo() { '" KALVO_PROGRAM "' \"$@\"; } && (" +
-                                   command + ") >out.log 2>err.log";
-        const int status = std::system(script.c_str());
-        return {WEXITSTATUS(status), Text("out.log"), Text("err.log")};
-    }
-
-    std::string Text(const std::string& name) const {
-        const Bytes bytes = folder.Read(name);
-        return {bytes.begin(), bytes.end()};
-    }
-
-    TemporaryFolder folder;
     KxImage<KxC24> picture{2, 2};
     KxImage<KxBW8> noise{64, 64};
 };
@@ -129,7 +106,7 @@ const std::tuple<const char*, int, const char*> kRuns[] = {
     {"kalvo tour photo.jpg --output files", 0, "28 checks passed, 0 failed; files in files"},
 };
 
-TEST_F(Program, DoesAndSaysWhatTheTableTells) {
+TEST_F(KalvoProgram, DoesAndSaysWhatTheTableTells) {
     for (const auto& [command, exitCode, text] : kRuns) {
         const Outcome outcome = Run(command);
         EXPECT_EQ(outcome.exitCode, exitCode) << command << '\n' << outcome.errors;
@@ -137,7 +114,7 @@ TEST_F(Program, DoesAndSaysWhatTheTableTells) {
     }
 }
 
-TEST_F(Program, RunsTheExamplesOfItsHelp) {
+TEST_F(KalvoProgram, RunsTheExamplesOfItsHelp) {
     const std::string verbs =
         Run("kalvo --help | sed -n '/Subcommands/,/Examples/p' | awk '/^  [a-z]/ {print $1}'").output;
     std::istringstream lines(verbs + "\n");
@@ -152,7 +129,7 @@ TEST_F(Program, RunsTheExamplesOfItsHelp) {
     EXPECT_GE(count, 12);
 }
 
-TEST_F(Program, ConvertsEveryPixelTypeThereAndBack) {
+TEST_F(KalvoProgram, ConvertsEveryPixelTypeThereAndBack) {
     const char* const grays = "0 0 0 255 255 255 76 76 76 131 131 131";
     const char* const colors = "0 0 0 255 255 255 255 0 0 132 130 132";
     const std::pair<std::string, const char*> conversions[] = {
@@ -167,7 +144,7 @@ TEST_F(Program, ConvertsEveryPixelTypeThereAndBack) {
             << type;
 }
 
-TEST_F(Program, DescribesFilesAsJsonWhateverTheirTexts) {
+TEST_F(KalvoProgram, DescribesFilesAsJsonWhateverTheirTexts) {
     const Outcome outcome = Run("kalvo info --json tree.kxa text.txt picture.tif");
     EXPECT_EQ(outcome.exitCode, 1);
     const json files = json::parse(outcome.output);
@@ -183,7 +160,7 @@ TEST_F(Program, DescribesFilesAsJsonWhateverTheirTexts) {
 }
 
 // The old file or the new one, with the old one's permissions, and nothing beside it.
-TEST_F(Program, WritesFilesWholeOrNotAtAll) {
+TEST_F(KalvoProgram, WritesFilesWholeOrNotAtAll) {
     const Bytes old = folder.Read("label.bmp");
     chmod(Path("label.bmp").c_str(), 0640);
     const char* const failing[] = {

@@ -2,8 +2,8 @@
 // Images and regions as what they are, and parts of images.
 
 #include "kalvo/image/kximage.h"
-#include "failure.h"
-#include "pixel_types.h"
+#include "common/failure.h"
+#include "common/pixel_types.h"
 
 namespace App {
 

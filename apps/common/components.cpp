@@ -1,11 +1,11 @@
 // One overload per pixel type.
 
-#include "components.h"
+#include "common/components.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "pixel_types.h"
+#include "common/pixel_types.h"
 
 namespace App {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "image_file.h"
+#include "common/image_file.h"
 
 namespace App {
 

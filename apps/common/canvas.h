@@ -8,6 +8,11 @@
 
 namespace App {
 
+struct PictureSize {
+    int width = 800;
+    int height = 400;
+};
+
 // A white picture, and a device context that draws on it. Throws when it can't be made.
 class Canvas {
 public:
@@ -28,6 +33,19 @@ private:
 
 // Saves what was drawn, in the format of the name.
 void SavePicture(Canvas& canvas, const std::string& path);
+
+// Puts a context back as it was.
+class SavedContext {
+public:
+    explicit SavedContext(HDC context) : m_context(context), m_state(SaveDC(context)) {}
+    ~SavedContext() { RestoreDC(m_context, m_state); }
+    SavedContext(const SavedContext&) = delete;
+    SavedContext& operator=(const SavedContext&) = delete;
+
+private:
+    HDC m_context;
+    int m_state;
+};
 
 // A pen, selected in a context while this lives.
 class SelectedPen {

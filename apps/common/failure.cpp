@@ -1,6 +1,6 @@
 // The one place that prints failures, and what can be said about codes.
 
-#include "failure.h"
+#include "common/failure.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -84,12 +84,13 @@ std::string Escaped(const std::string& text) {
 
 Failure ReportCurrentFailure(const std::string& file) {
     const Failure failure = CurrentFailure();
-    std::cerr << "kalvo: " << Escaped(file) << ": " << failure.reason << " (" << failure.code << ")\n";
+    std::cerr << program_invocation_short_name << ": " << Escaped(file) << ": " << failure.reason << " ("
+              << failure.code << ")\n";
     return failure;
 }
 
 void Note(const std::string& file, const std::string& note) {
-    std::cerr << "kalvo: " << Escaped(file) << ": " << note << '\n';
+    std::cerr << program_invocation_short_name << ": " << Escaped(file) << ": " << note << '\n';
 }
 
 }  // namespace App

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "image_file.h"
+#include "common/image_file.h"
 
 namespace App {
 

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "kalvo/image/kximage.h"
-#include "failure.h"
+#include "common/failure.h"
 
 namespace App {
 

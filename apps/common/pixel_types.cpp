@@ -1,6 +1,6 @@
 // The names of pixel types and file formats.
 
-#include "pixel_types.h"
+#include "common/pixel_types.h"
 
 namespace App {
 namespace {

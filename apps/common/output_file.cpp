@@ -1,6 +1,6 @@
 // Temporary files beside their targets, and what becomes of them.
 
-#include "output_file.h"
+#include "common/output_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -16,7 +16,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "failure.h"
+#include "common/failure.h"
 
 namespace App {
 namespace {

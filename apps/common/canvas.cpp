@@ -1,12 +1,12 @@
 // A memory context with a bitmap of 32 bits a pixel.
 
-#include "canvas.h"
+#include "common/canvas.h"
 
 #include <algorithm>
 
-#include "failure.h"
-#include "image_file.h"
-#include "pixel_conversion.h"
+#include "common/failure.h"
+#include "common/image_file.h"
+#include "common/pixel_conversion.h"
 
 namespace App {
 namespace {

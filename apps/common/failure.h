@@ -40,10 +40,10 @@ auto Checked(const Operation& operation) {
 // A text from outside as one line: control characters are escaped.
 std::string Escaped(const std::string& text);
 
-// Prints the exception being handled as "kalvo: FILE: reason (code)" on the standard error stream.
+// Prints the exception being handled as "PROGRAM: FILE: reason (code)" on the standard error stream.
 Failure ReportCurrentFailure(const std::string& file);
 
-// Prints "kalvo: FILE: note" there: what the user should know of a success.
+// Prints "PROGRAM: FILE: note" there: what the user should know of a success.
 void Note(const std::string& file, const std::string& note);
 
 // Runs what belongs to one file; reports the failure, if there is one, and returns it.

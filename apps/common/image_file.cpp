@@ -1,6 +1,6 @@
 // Loading and saving whatever the contents or the name of a file ask for.
 
-#include "image_file.h"
+#include "common/image_file.h"
 
 #include <algorithm>
 #include <array>
@@ -10,12 +10,12 @@
 
 #include "kalvo/imagefiles/kximagefile.h"
 #include "kalvo/streams/kxserializer.h"
-#include "failure.h"
-#include "input_file.h"
-#include "output_file.h"
-#include "pixel_conversion.h"
-#include "pixel_types.h"
-#include "png_file.h"
+#include "common/failure.h"
+#include "common/input_file.h"
+#include "common/output_file.h"
+#include "common/pixel_conversion.h"
+#include "common/pixel_types.h"
+#include "common/png_file.h"
 
 namespace App {
 namespace {

@@ -1,6 +1,6 @@
 // Libpng comes back from failures by longjmp, so each direction is one function of plain data.
 
-#include "png_file.h"
+#include "common/png_file.h"
 
 #include <png.h>
 
@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "kalvo/measure/kxunit.h"
-#include "failure.h"
-#include "pixel_types.h"
+#include "common/failure.h"
+#include "common/pixel_types.h"
 
 namespace App {
 namespace {

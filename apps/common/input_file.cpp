@@ -1,6 +1,6 @@
 // Looks at a file before the library does: the system's reasons are better than a code.
 
-#include "input_file.h"
+#include "common/input_file.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -11,7 +11,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "failure.h"
+#include "common/failure.h"
 
 namespace App {
 namespace {
