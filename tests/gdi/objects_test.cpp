@@ -68,9 +68,11 @@ TEST(GdiPalette, RealisedColorsFillThePlacesBetweenTheFixedOnes) {
     const HDC device = CreatePaletteDC(4, 4);
     ASSERT_NE(GetDeviceCaps(device, RASTERCAPS) & RC_PALETTE, 0);
     EXPECT_EQ(SetPixel(device, 0, 0, RGB(9, 9, 9)), RGB(0, 0, 0)) << "nearest fixed colour";
-    std::vector<std::uint32_t> memory(257);
+    std::vector<std::uint32_t> memory(258);
     auto* logical = reinterpret_cast<LOGPALETTE*>(memory.data());
     logical->palVersion = 0x300;
+    logical->palNumEntries = 257;
+    EXPECT_EQ(CreatePalette(logical), nullptr);
     logical->palNumEntries = 256;
     for (int i = 0; i < 256; ++i) {
         const auto level = static_cast<BYTE>(i);
@@ -81,7 +83,8 @@ TEST(GdiPalette, RealisedColorsFillThePlacesBetweenTheFixedOnes) {
     EXPECT_EQ(SetPixel(device, 0, 0, RGB(9, 9, 9)), RGB(0, 0, 0)) << "not realised yet";
     EXPECT_GT(RealizePalette(device), 200u);
     EXPECT_EQ(SetPixel(device, 0, 0, RGB(9, 9, 9)), RGB(9, 9, 9));
-    EXPECT_EQ(SetPixel(device, 0, 0, RGB(255, 0, 0)), RGB(255, 0, 0)) << "fixed colours stay";
+    for (const COLORREF fixed : {RGB(255, 0, 0), RGB(166, 202, 240), RGB(255, 251, 240)})
+        EXPECT_EQ(SetPixel(device, 0, 0, fixed), fixed) << "fixed colours stay";
     EXPECT_EQ(RealizePalette(device), 0u);
     EXPECT_EQ(DeleteObject(palette), 0) << "it is selected";
     SelectPalette(device, previous, 0);

@@ -131,14 +131,6 @@ TEST(TextOut, TurnsTheLineAboutItsPlace) {
             EXPECT_NEAR(after.x, across(before.x - x, 0), 0.51) << tenths;
             EXPECT_NEAR(after.y, down(before.x - x, 0), 0.51) << tenths;
             EXPECT_EQ(turned.Extent("Hgl1").cx, upright.Extent("Hgl1").cx);
-            if (tenths % 900 != 0) continue;
-            int strays = 0;  // pixels on the very edge of a stroke
-            for (int i = 0; i < size * size; ++i) {
-                const double dx = i % size - x + 0.5, dy = i / size - y + 0.5;
-                const long toX = std::lround(across(dx, dy) - 0.5), toY = std::lround(down(dx, dy) - 0.5);
-                strays += GetPixel(turned.dc, toX, toY) != GetPixel(upright.dc, i % size, i / size);
-            }
-            EXPECT_LT(strays, 4) << tenths << ", " << align;
         }
     }
 }

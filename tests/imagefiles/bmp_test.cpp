@@ -143,21 +143,6 @@ TEST_F(Bmp, KeepsTheResolutionInWholePixelsPerMetre) {
     EXPECT_FLOAT_EQ(std::get<0>(resolution()), 1000);
 }
 
-TEST_F(Bmp, HoldsImagesLargerThanAnyBufferAndRegionsThatStartAtAnyBit) {
-    const auto expectSame = [this](auto image, int firstX) {
-        FillPattern(image, 1);
-        decltype(image) loaded;
-        KxROI region(&image, firstX, 1, image.GetWidth() - firstX, image.GetHeight() - 1);
-        region.Save(path.c_str());
-        loaded.Load(path.c_str());
-        EXPECT_TRUE(SamePixels(loaded, region)) << image.GetWidth() << ", " << firstX;
-    };
-    expectSame(KxImage<KxBW8>(301, 500), 0);
-    expectSame(KxImage<KxC24>(30000, 3), 0);
-    expectSame(KxImage<KxBW1>(600003, 3), 3);
-    for (int x = 0; x < 9; ++x) expectSame(KxImage<KxBW1>(60, 4), x);
-}
-
 TEST_F(Bmp, RefusesToWriteMoreThanTheFormatCanHold) {
     KxBW8 pixel;
     KxImage<KxBW8> image;

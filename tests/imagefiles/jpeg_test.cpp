@@ -30,24 +30,6 @@ protected:
     short type = 77;
 };
 
-TEST_F(Jpeg, KeepsThePixelsOfARegionAndTheNeighboursOfItsDestination) {
-    KxSetJpegQuality(100);
-    KxImage<KxC24> frame(90, 40), other(100, 30);
-    Bytes shades(90 * 40 * 3);  // darker blue than green, darker green than red, brighter downwards
-    for (int i = 0; i < std::ssize(shades); ++i) shades[i] = static_cast<std::uint8_t>(i % 3 * 80 + i / 270);
-    SetPixelBytes(frame, shades);
-    FillPattern(other, 1);
-    KxImage<KxC24> before(other);
-    const KxROI<KxC24> source(&frame, 5, 7, 33, 19);
-    KxROI<KxC24> destination(&other, 4, 3, 33, 19), replaced(&before, 4, 3, 33, 19);
-    EXPECT_EQ(Load(destination, Save(source)), KX_OK);
-    EXPECT_EQ(type, IMAGE_FILE_JPEG_COLOR);
-    const Bytes expected = PixelBytes(source), found = PixelBytes(destination);
-    for (std::size_t i = 0; i < expected.size(); ++i) ASSERT_NEAR(found[i], expected[i], 6) << i;
-    SetPixelBytes(replaced, found);
-    EXPECT_TRUE(SamePixels(other, before));
-}
-
 TEST_F(Jpeg, IsWrittenWithTheQualityOfTheThread) {
     KxImage<KxBW8> image(64, 64);
     FillPattern(image, 1);

@@ -69,20 +69,6 @@ protected:
     TemporaryFolder m_folder;
 };
 
-TEST_F(TiffRead, FillsPixelsOfEveryFormatInBothByteOrders) {
-    for (const char* order : {"II", "MM"}) {
-        SCOPED_TRACE(order);
-        const bool isBig = *order == 'M';
-        ExpectPixels<KxBW8>(Gray(3, 3, 8, order).Strip({1, 2, 3, 4, 5, 6}).Strip({7, 8, 9}), Counting(9));
-        const Bytes four = isBig ? Bytes{4, 3, 2, 1, 8, 7, 6, 5} : Counting(8);
-        ExpectPixels<KxBW32>(Gray(1, 2, 32, order).Strip(four), Counting(8));
-        const Bytes packedTwo = isBig ? Bytes{0, 2, 2, 1, 4, 3} : Bytes{0, 1, 2, 2, 3, 4};
-        ExpectPixels<KxBW16>(Packed(2, 1, 16, order).Strip(packedTwo), Counting(4));
-        ExpectPixels<KxC24>(Color(2, 1, order).Strip(Counting(6)), {3, 2, 1, 6, 5, 4});
-        ExpectPixels<KxBW1>(Gray(10, 2, 1, order).Strip({0xA5, 0xBF, 0x0F, 0x40}), {0xA5, 0x80, 0x0F, 0x40});
-    }
-}
-
 TEST_F(TiffRead, UnpacksAcrossRowsAndStripsInEitherOrderOfBits) {
     // A run reaches into the second row; the first strip ends inside it; the last strip holds too much.
     ExpectPixels<KxBW8>(Packed(3, 2).Strip({1, 1, 2, 255, 9}).Strip({128, 255, 5, 0, 7}), {1, 2, 9, 9, 5, 5});
@@ -158,15 +144,6 @@ TEST_F(TiffRead, TakesTheResolutionWithItsUnit) {
         image.GetResolution(x, y, found);
         EXPECT_EQ(std::tuple(x, y, found->GetName()), expected);
     }
-}
-
-TEST_F(TiffRead, FillsARegionOfTheSameSizeOnly) {
-    KxImage<KxBW8> image(4, 3);
-    SetPixelBytes(image, Bytes(12));
-    KxROI<KxBW8> region(&image, 1, 1, 2, 2);
-    Load(region, Gray(2, 2).Strip({1, 2, 3, 4}));
-    EXPECT_EQ(Load(region, Gray(2, 1).Strip({8, 9})), KX_ERROR_SIZE_MISMATCH);
-    EXPECT_EQ(PixelBytes(image), (Bytes{0, 0, 0, 0, 0, 1, 2, 0, 0, 3, 4, 0}));
 }
 
 TEST_F(TiffRead, TellsWhichPixelsAFileNeeds) {

@@ -126,25 +126,5 @@ TEST_F(TiffWrite, ReportsAFullDisk) {
     EXPECT_EQ(KxGetError(), KX_ERROR_FILE_WRITE);
 }
 
-// The rows of the image lie end to end in memory, those of the region do not.
-TEST_F(TiffWrite, ComesBackEqual) {
-    const auto expectEqual = [&]<class Pixel>(KxImage<Pixel> image, IMAGE_FILE_TYPES type) {
-        Testing::FillPattern(image, 3);
-        const KxROI<Pixel>& whole = image;
-        const KxROI<Pixel> region(&image, 5, 2, 61, 27);
-        for (const KxROI<Pixel>* saved : {&whole, &region}) {
-            Save(*saved, type);
-            KxImage<Pixel> loaded;
-            EXPECT_EQ(loaded.Load(m_path.c_str()), type);
-            EXPECT_TRUE(Testing::SamePixels(loaded, *saved)) << type;
-        }
-    };
-    expectEqual(KxImage<KxBW1>(360, 200), IMAGE_FILE_TIFF_BILEVEL);
-    expectEqual(KxImage<KxBW8>(360, 200), IMAGE_FILE_TIFF_GRAY);
-    expectEqual(KxImage<KxBW8>(360, 200), IMAGE_FILE_TIFF_GRAY_PACKBITS);
-    expectEqual(KxImage<KxBW16>(360, 200), IMAGE_FILE_TIFF_GRAY);
-    expectEqual(KxImage<KxC24>(360, 200), IMAGE_FILE_TIFF_COLOR);
-}
-
 }  // namespace
 }  // namespace Zelkor::Kalvo

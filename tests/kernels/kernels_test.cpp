@@ -1,17 +1,17 @@
-// Every available set of kernels against the portable one, at every length and offset. What the portable set
-// must do is checked by fuzz/fuzz_kernels.cpp.
+// Bit kernels and blending of every available set against the portable one, at every length and offset. All
+// kernels are checked against slow rules by fuzz/fuzz_kernels.cpp.
 
 #include "tests/support/test.h"
 
 #include "kalvo/base/cpu.h"
-#include "kalvo/kernels/gatherplan.h"
 #include "kalvo/kernels/kernels.h"
 
-namespace Zelkor::Kalvo {
-
 // Names the sets in the names of their tests.
-void PrintTo(const Kernels::Table& set, std::ostream* stream) { *stream << set.name; }
+namespace Zelkor::Kernels {
+void PrintTo(const Table& set, std::ostream* stream) { *stream << set.name; }
+}  // namespace Zelkor::Kernels
 
+namespace Zelkor::Kalvo {
 namespace {
 
 // A vector of n bytes is n bytes on the heap, so address sanitizer sees an access just outside.
@@ -54,15 +54,6 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Available, KernelSet,
                          testing::ValuesIn(Kernels::Available().begin() + 1, Kernels::Available().end()));
 
-TEST_P(KernelSet, ExchangesRedAndBlueInPlaceAndNot) {
-    for (const bool inPlace : {false, true})
-        for (std::size_t pixels = 0; pixels <= kMaxLength; ++pixels)
-            ASSERT_TRUE(SameOutput(
-                3 * pixels, 3 * pixels,
-                [&](auto& set, auto* in, auto* out) { set.swapRedBlue(inPlace ? out : in, out, pixels); }))
-                << inPlace << ", " << pixels;
-}
-
 TEST_P(KernelSet, ExpandsBitsFromAnyOffset) {
     for (int bit = 0; bit < 8; ++bit)
         for (std::size_t pixels = 0; pixels <= kMaxLength; ++pixels)
@@ -92,34 +83,6 @@ TEST_P(KernelSet, CopiesBitsBetweenAnyOffsets) {
                     << from << ", " << to << ", " << bits;
 }
 
-TEST_P(KernelSet, MeasuresRunsAndLiterals) {
-    for (std::size_t count = 0; count <= kMaxLength; ++count) {
-        // The one place that ends the run, or the literal, everywhere in turn.
-        for (std::size_t place = 0; place < count; ++place) {
-            Bytes run(count, 7), literal(count);
-            run[place] = 8;
-            std::iota(literal.begin(), literal.end(), std::uint8_t{0});
-            std::fill(literal.begin() + place, literal.begin() + std::min(place + 3, count), literal[place]);
-            ASSERT_EQ(GetParam().runLength(run.data(), count), kPortable.runLength(run.data(), count));
-            ASSERT_EQ(GetParam().literalLength(literal.data(), count),
-                      kPortable.literalLength(literal.data(), count));
-        }
-    }
-}
-
-TEST_P(KernelSet, CopiesWidensNarrowsAndRepeatsPixels) {
-    for (std::size_t n = 0; n <= kMaxLength; ++n) {
-        ASSERT_TRUE(SameOutput(n, n, [&](auto& s, auto* in, auto* out) { s.copyBytes(in, out, n); }));
-        ASSERT_TRUE(SameOutput(0, n + 9, [&](auto& s, auto*, auto* out) { s.copyBytes(out, out + 9, n); }));
-        ASSERT_TRUE(SameOutput(0, n + 9, [&](auto& s, auto*, auto* out) { s.copyBytes(out + 9, out, n); }));
-        ASSERT_TRUE(
-            SameOutput(3 * n, 4 * n, [&](auto& s, auto* in, auto* out) { s.widen24To32(in, out, n); }));
-        ASSERT_TRUE(
-            SameOutput(4 * n, 3 * n, [&](auto& s, auto* in, auto* out) { s.narrow32To24(in, out, n); }));
-        ASSERT_TRUE(SameOutput(n, 4 * n, [&](auto& s, auto* in, auto* out) { s.repeatTo32(in, out, n); }));
-    }
-}
-
 TEST_P(KernelSet, BlendsEveryPairOfBytesAndAnyLength) {
     Bytes source(0x10000), below(0x10000);
     for (std::size_t i = 0; i < source.size(); ++i) {
@@ -134,21 +97,6 @@ TEST_P(KernelSet, BlendsEveryPairOfBytesAndAnyLength) {
     }
     for (std::size_t n = 0; n <= kMaxLength; ++n)
         ASSERT_TRUE(SameOutput(n, n, [&](auto& s, auto* in, auto* out) { s.blendConstant(out, in, n, 77); }));
-}
-
-TEST_P(KernelSet, GathersPixelsOfAnySizeIntoRowsOfAnyLengthAndDirection) {
-    for (const std::size_t bytesPerPixel : {1, 2, 3, 4})
-        for (const int sourceWidth : {1, 5, 15, 16, 17, 100, 260})
-            for (int width = 0; width <= 260; width += width < 40 ? 1 : 11) {
-                std::vector<std::int32_t> columns(width);
-                for (int i = 0; i < width; ++i) columns[i] = i * sourceWidth / width;
-                if (width % 2 != 0) std::ranges::reverse(columns);
-                const Kernels::GatherPlan plan =
-                    Kernels::MakeGatherPlan(std::move(columns), sourceWidth, bytesPerPixel);
-                ASSERT_TRUE(SameOutput(bytesPerPixel * sourceWidth, plan.RowBytes(),
-                                       [&](auto& s, auto* in, auto* out) { s.gatherRow(plan, in, out); }))
-                    << bytesPerPixel << ", " << sourceWidth << ", " << width;
-            }
 }
 
 TEST(Kernels, BestSetOfTheProcessorIsActive) {

@@ -58,6 +58,7 @@ TEST(Pixel, ColorsAreStoredLastComponentFirst) {
     EXPECT_EQ(std::bit_cast<ThreeBytes>(KxYUY2(1, 2, 3)), (ThreeBytes{1, 2, 3}));
     EXPECT_EQ(std::bit_cast<ThreeBytes>(KxRed24), (ThreeBytes{255, 0, 0}));
     EXPECT_EQ(std::bit_cast<ThreeBytes>(KxYellow24), (ThreeBytes{255, 255, 0}));
+    EXPECT_EQ(std::bit_cast<ThreeBytes>(KxCyan24), (ThreeBytes{0, 255, 255}));
 }
 
 std::string TextOf(const auto& value) { return (std::ostringstream() << value << '.').str(); }

@@ -98,6 +98,7 @@ TEST_F(VectorFile, RefusesForeignHeadersAndKeepsTheVector) {
     const std::tuple<const char*, Bytes, KX_ERRORS> kFiles[] = {
         {"16-bit elements", {0x4B, 2, 1, 0x48, 1, 0, 0, 0, 42}, KX_ERROR_BAD_FILE_FORMAT},
         {"version 2, which only runs have", {0x4B, 1, 2, 0x48, 1, 0, 0, 0, 42}, KX_ERROR_BAD_FILE_FORMAT},
+        {"version 0", {0x4B, 1, 0, 0x4A, 1, 0, 0, 0, 42}, KX_ERROR_BAD_FILE_FORMAT},
         {"wrong checksum", {0x4B, 1, 1, 0x4A, 1, 0, 0, 0, 42}, KX_ERROR_BAD_FILE_FORMAT},
         {"wrong signature", {0x4A, 1, 1, 0x4A, 1, 0, 0, 0, 42}, KX_ERROR_BAD_FILE_FORMAT},
         {"cut in the header", {0x4B, 1, 1}, KX_ERROR_FILE_READ},
