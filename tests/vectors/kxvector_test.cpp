@@ -115,10 +115,9 @@ TEST(Vector, KeepsItsContentWhenMemoryIsShort) {
 
 TEST(Vector, SiftsDownAHeap) {
     const std::tuple<Values, unsigned, Values> kSifts[] = {
-        {{9, 8, 8}, 1, {8, 1, 8}},                    // the left child wins ties
-        {{9, 7, 8}, 8, {8, 7, 8}},                    // an equal child stays
-        {{9, 7, 8}, 1, {8, 7, 1}},
-        {{9, 8, 4, 7, 6, 3}, 5, {8, 7, 4, 5, 6, 3}},  // down two levels
+        {{9, 8, 8}, 1, {8, 1, 8}},                                               // the left child wins ties
+        {{9, 7, 8}, 8, {8, 7, 8}},                                               // an equal child stays
+        {{9, 7, 8}, 1, {8, 7, 1}}, {{9, 8, 4, 7, 6, 3}, 5, {8, 7, 4, 5, 6, 3}},  // down two levels
         {Values{}, 1, {}},
     };
     const auto larger = [](const unsigned& a, const unsigned& b) { return int{a > b}; };
