@@ -10,6 +10,7 @@ packages=(
     fonts-dejavu-core                           # letters for the demonstration and the tests
     libcli11-dev nlohmann-json3-dev libpng-dev  # the programs
     libsdl2-dev                                 # the viewer's window
+    help2man                                    # manual pages
     libgtest-dev libgmock-dev libbenchmark-dev  # tests and benchmarks
     python-matplotlib-data                      # a photograph for the demonstration
     "$@"

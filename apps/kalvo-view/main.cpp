@@ -4,9 +4,11 @@
 
 #include <fstream>
 #include <iostream>
+#include <sstream>
 
 #include "kalvo/frame/kxtrace.h"
 #include "common/failure.h"
+#include "common/help.h"
 #include "common/output_file.h"
 #include "script.h"
 #include "window.h"
@@ -14,7 +16,7 @@
 namespace View {
 namespace {
 
-constexpr int kFailed = 1;
+constexpr int kFailed = 1, kWrongUsage = 2;
 
 struct Options {
     std::vector<std::string> files;
@@ -23,10 +25,10 @@ struct Options {
     std::string size = "1280x800";
 };
 
-std::string KeysInHelp() {
-    std::string text = "Keys:\n";
-    for (const auto& [keys, help] : Viewer::Help())
-        text += "  " + keys + std::string(keys.size() < 24 ? 24 - keys.size() : 1, ' ') + help + "\n";
+std::string ListOf(const std::vector<std::pair<std::string, std::string>>& lines) {
+    std::string text;
+    for (const auto& [name, help] : lines)
+        text += "  " + name + std::string(name.size() < 25 ? 26 - name.size() : 1, ' ') + help + "\n";
     return text;
 }
 
@@ -68,8 +70,20 @@ int main(int argc, char** argv) {
     program.add_option("--size", options.size, "Size of the window")
         ->type_name("WIDTHxHEIGHT")
         ->capture_default_str();
-    program.footer(View::KeysInHelp());
-    CLI11_PARSE(program, argc, argv);
+    program.footer("Keys:\n" + View::ListOf(View::Viewer::Help()) + "\nLines of a script:\n" +
+                   View::ListOf(View::ScriptHelp()));
+    program.get_formatter()->column_width(App::kDescriptionColumn);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::Success& helpOrVersion) {
+        std::ostringstream text;
+        program.exit(helpOrVersion, text, text);
+        App::PrintHelp(text.str());
+        return 0;
+    } catch (const CLI::Error& error) {
+        std::cerr << "kalvo-view: " << error.what() << "\nRun kalvo-view --help for more information.\n";
+        return View::kWrongUsage;
+    }
     KxSetTraceMode(KX_TRACE_MODE_SILENT);
     App::RemoveUnfinishedFilesWhenInterrupted();
     return App::Attempt(options.files.front(), [&] { View::Run(options); }) ? View::kFailed : 0;

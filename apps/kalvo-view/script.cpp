@@ -14,18 +14,18 @@ namespace {
 
 using Arguments = std::istringstream;
 
-void Press(Arguments& line, Viewer& viewer) {
-    int x = -1, y = -1;
+void Press(Arguments& line, Viewer& viewer, Scene&) {
+    int x, y;
     std::string button;
-    if (line >> x >> y) line >> button;
+    if (!(line >> x >> y)) return;
+    line >> button;
     viewer.Press(x, y,
                  button == "shift"   ? Viewer::Button::Shift
                  : button == "other" ? Viewer::Button::Other
                                      : Viewer::Button::Plain);
-    line.clear();
+    line.clear();  // the button may be missing
 }
 
-// How long a picture takes that follows a drag.
 void Time(Arguments& line, Viewer& viewer, Scene& scene) {
     int frames = 0;
     line >> frames;
@@ -35,36 +35,52 @@ void Time(Arguments& line, Viewer& viewer, Scene& scene) {
     std::cout << time.count() / std::max(frames, 1) << " ms\n";
 }
 
+const struct {
+    const char *command, *arguments, *help;
+    void (*run)(Arguments& line, Viewer& viewer, Scene& scene);
+} kCommands[] = {
+    {"press", "X Y [shift|other]", "press the left button (with Shift held), or another one", Press},
+    {"move", "X Y", "move the mouse",
+     [](Arguments& line, Viewer& viewer, Scene&) {
+         int x = 0, y = 0;
+         line >> x >> y;
+         viewer.Move(x, y);
+     }},
+    {"release", "", "release the button", [](Arguments&, Viewer& viewer, Scene&) { viewer.Release(); }},
+    {"wheel", "X Y STEPS", "turn the wheel at a point, upwards or, by negative steps, downwards",
+     [](Arguments& line, Viewer& viewer, Scene&) {
+         int x = 0, y = 0;
+         double steps = 0;
+         line >> x >> y >> steps;
+         viewer.Wheel(x, y, steps);
+     }},
+    {"key", "NAME", "press a key by its name in the list above",
+     [](Arguments& line, Viewer& viewer, Scene&) {
+         std::string name;
+         line >> name;
+         viewer.Key(name);
+     }},
+    {"size", "WIDTH HEIGHT", "change the size of the window",
+     [](Arguments& line, Viewer& viewer, Scene&) {
+         int width = 0, height = 0;
+         line >> width >> height;
+         viewer.Resize(std::max(width, 1), std::max(height, 1));
+     }},
+    {"screenshot", "FILE", "save the picture",
+     [](Arguments& line, Viewer& viewer, Scene& scene) {
+         std::string name;
+         line >> name;
+         App::SavePicture(scene.Paint(viewer), name);
+     }},
+    {"print-roi", "", "print the regions",
+     [](Arguments&, Viewer& viewer, Scene&) { std::cout << viewer.PrintRegions(); }},
+    {"time", "COUNT", "draw the picture that often, and print how long one takes", Time},
+};
+
 void RunLine(const std::string& command, Arguments& line, Viewer& viewer, Scene& scene) {
-    int x = 0, y = 0;
-    double steps = 0;
-    std::string name;
-    if (command == "press") {
-        Press(line, viewer);
-    } else if (command == "move") {
-        line >> x >> y;
-        viewer.Move(x, y);
-    } else if (command == "release") {
-        viewer.Release();
-    } else if (command == "wheel") {
-        line >> x >> y >> steps;
-        viewer.Wheel(x, y, steps);
-    } else if (command == "key") {
-        line >> name;
-        viewer.Key(name);
-    } else if (command == "size") {
-        line >> x >> y;
-        viewer.Resize(std::max(x, 1), std::max(y, 1));
-    } else if (command == "screenshot") {
-        line >> name;
-        App::SavePicture(scene.Paint(viewer), name);
-    } else if (command == "print-roi") {
-        std::cout << viewer.PrintRegions();
-    } else if (command == "time") {
-        Time(line, viewer, scene);
-    } else {
-        line.setstate(std::ios::failbit);
-    }
+    for (const auto& known : kCommands)
+        if (command == known.command) return known.run(line, viewer, scene);
+    line.setstate(std::ios::failbit);
 }
 
 }  // namespace
@@ -79,6 +95,13 @@ void RunScript(std::istream& script, Viewer& viewer, Scene& scene) {
             throw App::Failure{"line " + std::to_string(number) + " of the script is not understood: " + text,
                                KX_ERROR_PARAMETERS_OUT_OF_RANGE};
     }
+}
+
+std::vector<std::pair<std::string, std::string>> ScriptHelp() {
+    std::vector<std::pair<std::string, std::string>> lines;
+    for (const auto& [command, arguments, help, run] : kCommands)
+        lines.emplace_back(std::string(command) + " " + arguments, help);
+    return lines;
 }
 
 }  // namespace View

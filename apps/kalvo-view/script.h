@@ -7,9 +7,10 @@
 
 namespace View {
 
-// Runs a script, a command a line: "press X Y [shift|other]", "move X Y", "release", "wheel X Y STEPS", "key
-// NAME", "size WIDTH HEIGHT", "screenshot FILE", "print-roi", "time FRAMES"; "#" begins a comment. Throws a
-// failure that names the line.
+// Runs a script, a command a line; "#" begins a comment. Throws a failure that names the line.
 void RunScript(std::istream& script, Viewer& viewer, Scene& scene);
+
+// Every command with its arguments, and what it does.
+std::vector<std::pair<std::string, std::string>> ScriptHelp();
 
 }  // namespace View

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <functional>
 #include <iostream>
+#include <sstream>
 
 #include "kalvo/frame/kxtrace.h"
 #include "arguments.h"
 #include "commands.h"
+#include "common/help.h"
 #include "common/output_file.h"
 #include "common/pixel_types.h"
 
@@ -303,7 +305,7 @@ int Run(int argc, char** argv) {
     program.set_version_flag("-V,--version", "kalvo " KALVO_PROGRAM_VERSION);
     program.require_subcommand(1);
     program.fallthrough();
-    program.get_formatter()->column_width(28);
+    program.get_formatter()->column_width(kDescriptionColumn);
     program.add_flag_callback("--no-clobber", ForbidReplacing, "Never replace a file that exists");
     AddExamples(program, "  kalvo info photo.jpg\n  kalvo help convert\n");
 
@@ -344,7 +346,10 @@ int Run(int argc, char** argv) {
     try {
         program.parse(std::move(arguments));
     } catch (const CLI::Success& helpOrVersion) {
-        return program.exit(helpOrVersion);
+        std::ostringstream text;
+        program.exit(helpOrVersion, text, text);
+        PrintHelp(text.str());
+        return 0;
     } catch (const CLI::Error& error) {
         std::cerr << "kalvo: " << error.what() << "\nRun kalvo --help for more information.\n";
         return kWrongUsage;

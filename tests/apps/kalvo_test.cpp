@@ -103,6 +103,10 @@ const std::tuple<const char*, int, const char*> kRuns[] = {
      "40 x 40 pixels"},
     {"kalvo fields up.jpg photo.jpg a.bmp --scale half && kalvo info a.bmp", 0, "32 x 64 pixels"},
     {"kalvo resize tree.kxa a.kxa --size 4x1 && kalvo info a.kxa", 0, "pixel size      0.05 x 0.4"},
+    {"printf 'source %s\nt() { COMP_WORDS=(%s \"$@\"); COMP_CWORD=$#; _kalvo; echo \"${COMPREPLY[@]}\"; }\nt "
+     "co\nt draw "
+     "--z\nt convert --type c\n' " KALVO_COMPLETION " " KALVO_PROGRAM " >t.sh && bash t.sh",
+     0, "compare convert\n--zoom\nc15 c16 c24 c24a\n"},
     {"kalvo tour photo.jpg --output files", 0, "28 checks passed, 0 failed; files in files"},
 };
 
