@@ -78,6 +78,10 @@ void KxSetTiffStripSize(unsigned int un32StripSize) {
     if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_un32TiffStripSize = un32StripSize;
 }
 
+void KxSetSafeWriting(int bSafe) {
+    if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_bSafeWriting = bSafe;
+}
+
 void* Kalvo_Malloc(unsigned int un32Size) { return std::malloc(un32Size); }
 
 void Kalvo_Free(void* pBlock) { std::free(pBlock); }

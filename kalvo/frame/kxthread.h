@@ -46,6 +46,7 @@ struct OzzoTLSStruct {
     std::uint32_t m_un32JpegQuality = 50;                ///< 0 to 100
     std::uint8_t m_un8TiffThreshold = 128;               ///< a grey value of at least this is a 1 bit
     std::uint32_t m_un32TiffStripSize = 8192;            ///< bytes; 0 for a single strip
+    std::int32_t m_bSafeWriting = 0;                     ///< whether files are replaced when they are whole
 };
 
 /// The calling thread's record, made on demand; null when it can't be had.

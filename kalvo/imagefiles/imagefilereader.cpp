@@ -33,7 +33,7 @@ void ImageFileReader::Read(std::uint64_t offset, std::span<std::uint8_t> bytes) 
 
 void ImageFileReader::ReadStream(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
     if (!Platform::Seek(m_stream, static_cast<std::int64_t>(offset)) ||
-        std::fread(bytes.data(), 1, bytes.size(), m_stream) != bytes.size())
+        Zelkor::Platform::Read(m_stream, bytes.data(), bytes.size()) != bytes.size())
         throw Exception(KX_ERROR_FILE_READ);
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "kalvo/base/file.h"
+#include "kalvo/frame/outputfile.h"
 #include "kalvo/streams/streambytes.h"
 
 namespace Zelkor::Kalvo {
@@ -49,15 +49,14 @@ JpegField LoadFieldFile(const char* path) {
     if (size > kLargestField) throw Exception(KX_ERROR_FILE_ACCESS);
     HeapBlock block;
     block.Resize(size);
-    if (std::fread(block.Bytes(), 1, size, file.Get()) != size) throw Exception(KX_ERROR_FILE_ACCESS);
+    if (Platform::Read(file.Get(), block.Bytes(), size) != size) throw Exception(KX_ERROR_FILE_ACCESS);
     return {std::move(block), static_cast<std::uint32_t>(size)};
 }
 
 void SaveFieldFile(const JpegField& field, const char* path) {
     const FieldBytes bytes = field.Bytes();
     if (!bytes.data()) throw Exception(kErrorFieldAbsent);
-    Platform::File file(path, "wb");
-    if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+    Platform::File file = OpenOutputFile(path, "wb");
     const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file.Get()) == bytes.size();
     if (!file.Close() || !isWritten) throw Exception(KX_ERROR_FILE_WRITE);
 }

@@ -8,9 +8,9 @@
 #include <string>
 #include <type_traits>
 
-#include "kalvo/base/file.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/frame/kxtrace.h"
+#include "kalvo/frame/outputfile.h"
 #include "kalvo/image/regionclass.h"
 #include "kalvo/imagefiles/imagefile.h"
 
@@ -115,8 +115,7 @@ void SaveFile(SampleFormat format, const KxGenericROI* pRegion, const Character*
         const IMAGE_FILE_TYPES type = ChooseFileType(format.type, fileType, ExtensionOf(path));
         if (!pRegion || !HasPixels(*pRegion)) throw Exception(KX_ERROR_IMAGE_MEMORY_ACCESS);
         const SaveSource source{*pRegion, format, RowsOf(*pRegion), ResolutionOf(*pRegion)};
-        Zelkor::Platform::File file(path, "w+b");
-        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+        Zelkor::Platform::File file = OpenOutputFile(path, "w+b");
         WriteImageFile(file.Get(), source, type);
         if (!file.Close()) throw Exception(KX_ERROR_FILE_WRITE);
         KxOk();

@@ -6,8 +6,8 @@
 #include <memory>
 #include <utility>
 
-#include "kalvo/base/file.h"
 #include "kalvo/frame/boundary.h"
+#include "kalvo/frame/outputfile.h"
 #include "kalvo/streams/streamposition.h"
 
 namespace Platform = Zelkor::Platform;
@@ -22,7 +22,7 @@ void Transfer(std::FILE* file, bool writing, void* data, std::size_t size) {
     if (size == 0) return;
     if (writing) {
         if (std::fwrite(data, 1, size, file) != size) throw Exception(KX_ERROR_FILE_WRITE);
-    } else if (std::fread(data, 1, size, file) != size) {
+    } else if (Platform::Read(file, data, size) != size) {
         throw Exception(KX_ERROR_FILE_READ);
     }
 }
@@ -61,12 +61,12 @@ const char* OpenModeOf(KxSerializer::FileWriterMode eMode) {
 template <class Name>
 void KxFileSerializer::Read(const Name& name) {
     Close();
-    Platform::File file(name.c_str(), "rb");
-    if (!file) throw Exception(KX_ERROR_FILE_OPEN);
-    m_n64FileSize = Platform::SizeOf(file.Get());
+    auto file = std::make_unique<Platform::File>(name.c_str(), "rb");
+    if (!*file) throw Exception(KX_ERROR_FILE_OPEN);
+    m_n64FileSize = Platform::SizeOf(file->Get());
     m_Positions.clear();
     m_bWriting = 0;
-    m_pFile = file.Release();
+    m_pFile = std::move(file);
 }
 
 template <class Name>
@@ -74,13 +74,12 @@ void KxFileSerializer::Write(const Name& name, FileWriterMode eMode) {
     if (eMode == NoOverwrite && Platform::File(name.c_str(), "rb"))
         throw Exception(KX_ERROR_OVERWRITE_NOT_ALLOWED);
     Close();
-    Platform::File file(name.c_str(), OpenModeOf(eMode));
-    if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+    auto file = std::make_unique<Platform::File>(OpenOutputFile(name.c_str(), OpenModeOf(eMode)));
     // Appending begins at the end, but a file may say 0 until its first write.
-    if (eMode == Append) std::fseek(file.Get(), 0, SEEK_END);
+    if (eMode == Append) std::fseek(file->Get(), 0, SEEK_END);
     m_Positions.clear();
     m_bWriting = 1;
-    m_pFile = file.Release();
+    m_pFile = std::move(file);
 }
 
 template <class Operation>
@@ -109,6 +108,10 @@ KxSerializer* KxSerializer::CreateFileWriter(const std::basic_string<unsigned sh
     return KxFileSerializer::Create([&](KxFileSerializer& stream) { stream.OpenWriter(name, eMode); });
 }
 
+KxFileSerializer::KxFileSerializer() = default;
+
+std::FILE* KxFileSerializer::File() const { return m_pFile ? m_pFile->Get() : nullptr; }
+
 KxFileSerializer::~KxFileSerializer() { KxFileSerializer::Close(); }
 
 void KxFileSerializer::OpenReader(const std::string& name) { Read(name); }
@@ -123,27 +126,27 @@ void KxFileSerializer::OpenWriter(const std::basic_string<unsigned short>& name,
 
 void KxFileSerializer::Close() {
     // What we wrote may still be in the buffer, so this is where a full disk shows.
-    std::FILE* file = std::exchange(m_pFile, nullptr);
-    if (file && std::fclose(file) != 0) KxSetError(KX_ERROR_FILE_CLOSE);
+    const auto file = std::move(m_pFile);
+    if (file && !file->Close()) KxSetError(KX_ERROR_FILE_CLOSE);
 }
 
-unsigned int KxFileSerializer::GetCurrentPos() { return ShortPositionOf(m_pFile); }
+unsigned int KxFileSerializer::GetCurrentPos() { return ShortPositionOf(File()); }
 
 void KxFileSerializer::SerializeBytes(void* pData, unsigned int un32Size, const char*) {
-    Transfer(m_pFile, m_bWriting, pData, un32Size);
+    Transfer(File(), m_bWriting, pData, un32Size);
 }
 
 int KxFileSerializer::IsWriting() const { return m_pFile && m_bWriting; }
 
 int KxFileSerializer::IsReading() const { return m_pFile && !m_bWriting; }
 
-int KxFileSerializer::IsEOS() const { return !IsWriting() && IsAtEnd(m_pFile, m_n64FileSize); }
+int KxFileSerializer::IsEOS() const { return !IsWriting() && IsAtEnd(File(), m_n64FileSize); }
 
-void KxFileSerializer::PushStreamPos() { m_Positions.push_back(PositionOf(m_pFile)); }
+void KxFileSerializer::PushStreamPos() { m_Positions.push_back(PositionOf(File())); }
 
 void KxFileSerializer::PopAndForgetStreamPos() { PopPosition(m_Positions); }
 
-void KxFileSerializer::PopAndApplyStreamPos() { SeekTo(m_pFile, PopPosition(m_Positions)); }
+void KxFileSerializer::PopAndApplyStreamPos() { SeekTo(File(), PopPosition(m_Positions)); }
 
 KxFilePointerSerializer::KxFilePointerSerializer(std::FILE* pFile, int bWriting)
     : m_pFile(pFile), m_bWriting(bWriting), m_n64FileSize(pFile && !bWriting ? Platform::SizeOf(pFile) : 0) {}

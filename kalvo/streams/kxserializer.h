@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,9 @@ class KxOpaqueSerializer;
 
 namespace Zelkor::Kalvo {
 struct StreamContents;
+}
+namespace Zelkor::Platform {
+class File;
 }
 
 /// A stream of archived objects. An object has one routine for both directions: the stream writes each field
@@ -176,7 +180,7 @@ public:
 private:
     friend class KxSerializer;
     friend struct Zelkor::Kalvo::StreamContents;
-    KxFileSerializer() = default;
+    KxFileSerializer();
 
     template <class Name>
     void Read(const Name& name);
@@ -185,7 +189,9 @@ private:
     template <class Operation>
     static KxSerializer* Create(const Operation& open);
 
-    std::FILE* m_pFile = nullptr;
+    std::FILE* File() const;
+
+    std::unique_ptr<Zelkor::Platform::File> m_pFile;
     std::int64_t m_n64FileSize = 0;  // -1 when the file has none, as a pipe
     int m_bWriting = 0;
     std::vector<std::int64_t> m_Positions;

@@ -46,7 +46,7 @@ std::uint64_t StreamContents::BytesLeft(const KxSerializer& stream) {
     if (const auto* memory = dynamic_cast<const KxMemSerializer*>(&stream))
         return memory->m_Buffer.size() - memory->m_ReadPosition;
     if (const auto* named = dynamic_cast<const KxFileSerializer*>(&stream))
-        return BytesLeftInFile(named->m_pFile, named->m_n64FileSize);
+        return BytesLeftInFile(named->File(), named->m_n64FileSize);
     if (const auto* borrowed = dynamic_cast<const KxFilePointerSerializer*>(&stream))
         return BytesLeftInFile(borrowed->m_pFile, borrowed->m_n64FileSize);
     return kUnknown;

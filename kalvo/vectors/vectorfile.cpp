@@ -2,6 +2,8 @@
 
 #include "kalvo/vectors/vectorfile.h"
 
+#include "kalvo/frame/outputfile.h"
+
 namespace Zelkor::Kalvo {
 namespace {
 
@@ -31,8 +33,7 @@ template <class Character>
 void SaveVectorFile(const Character* path, const char* traceName, const VectorFileHeader& header,
                     const StoredVector& stored) noexcept {
     AtBoundary(traceName, [&] {
-        Platform::File file(path, "wb");
-        if (!file) throw Exception(KX_ERROR_FILE_OPEN);
+        Platform::File file = OpenOutputFile(path, "wb");
         WriteBytes(file.Get(), header);
         Exchange(stored, file.Get(), 1, header[2]);
         if (!file.Close()) throw Exception(KX_ERROR_FILE_CLOSE);
@@ -84,7 +85,8 @@ std::size_t ElementFormat<KxRun>::Read(std::FILE* stream, std::span<KxRun> runs)
     std::size_t read = 0;
     while (read < runs.size()) {
         const std::size_t count = std::min(kRunsPerChunk, runs.size() - read);
-        const std::size_t delivered = std::fread(chunk.data(), BytesPerElement(), count, stream);
+        const std::size_t delivered =
+            Platform::Read(stream, chunk.data(), BytesPerElement() * count) / BytesPerElement();
         for (std::size_t i = 0; i < delivered; ++i)
             runs[read + i] = Decode(chunk.data() + i * BytesPerElement());
         read += delivered;

@@ -57,7 +57,8 @@ public:
     }
     // Returns the number of whole elements read.
     std::size_t Read(std::FILE* stream, std::span<T> elements) const {
-        return elements.empty() ? 0 : std::fread(elements.data(), sizeof(T), elements.size(), stream);
+        return elements.empty() ? 0
+                                : Platform::Read(stream, elements.data(), elements.size_bytes()) / sizeof(T);
     }
 };
 
@@ -119,7 +120,7 @@ void WriteBytes(std::FILE* stream, const std::array<std::uint8_t, kBytes>& bytes
 template <std::size_t kBytes>
 std::array<std::uint8_t, kBytes> ReadBytes(std::FILE* stream) {
     std::array<std::uint8_t, kBytes> bytes;
-    if (std::fread(bytes.data(), 1, kBytes, stream) != kBytes) throw Exception(KX_ERROR_FILE_READ);
+    if (Platform::Read(stream, bytes.data(), kBytes) != kBytes) throw Exception(KX_ERROR_FILE_READ);
     return bytes;
 }
 

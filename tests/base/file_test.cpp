@@ -46,6 +46,26 @@ TEST(File, ClosesItsStreamOnceAndTellsWhenThatLosesData) {
     EXPECT_FALSE(first);
 }
 
+TEST(File, ReplacesAnotherWhenItIsWhole) {
+    namespace files = std::filesystem;
+    const TemporaryFolder folder;
+    const std::string link = folder.File("link"), old = folder.Write("old", {'o'});
+    files::create_symlink("old", link);
+    files::permissions(old, files::perms::owner_read | files::perms::owner_write);
+    for (const bool isWhole : {false, true}) {
+        File file(link.c_str(), "w+b", File::Replacement::WhenWhole);
+        std::fputs("new", file.Get());
+        EXPECT_EQ(folder.Read("old").size(), 1u);
+        EXPECT_TRUE(!isWhole || file.Close());
+    }
+    EXPECT_EQ(folder.Read("link").size(), 3u);
+    EXPECT_TRUE(files::is_symlink(link));
+    EXPECT_EQ(files::status(old).permissions(), files::perms::owner_read | files::perms::owner_write);
+    EXPECT_EQ(std::distance(files::directory_iterator(folder.File("")), {}), 2);
+    EXPECT_FALSE(File("/dev/full", "wb", File::Replacement::WhenWhole).Get() == nullptr);
+    EXPECT_FALSE(File(folder.File("").c_str(), "wb", File::Replacement::WhenWhole));
+}
+
 TEST(File, MeasuresItselfWithoutMoving) {
     const TemporaryFolder folder;
     const File file(folder.Write("ten", Kalvo::Testing::Bytes(10, 'x')).c_str(), "r+b");
