@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <locale>
+#include <memory>
 #include <utility>
 
 namespace Zelkor::Platform {
@@ -136,14 +137,14 @@ int File::OpenBeside(const char* name, int flags) {
     const bool isOld = stat(name, &old) == 0;
     if (isOld ? !S_ISREG(old.st_mode) : errno != ENOENT) return Open(name, flags);
     if (isOld && access(name, W_OK) != 0) return -1;
-    char* const resolved = realpath(name, nullptr);  // of a link, the file that it leads to
-    m_target = resolved ? resolved : name;
-    std::free(resolved);
+    // Of a link, the file that it leads to.
+    const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(name, nullptr), &std::free);
+    m_target = resolved ? resolved.get() : name;
+    m_folder = FolderOf(m_target);
     static std::atomic<unsigned> count = 0;
     int descriptor;
     do {
-        m_unfinished =
-            FolderOf(m_target) + ".kalvo-" + std::to_string(getpid()) + '-' + std::to_string(count++);
+        m_unfinished = m_folder + ".kalvo-" + std::to_string(getpid()) + '-' + std::to_string(count++);
         descriptor = Open(m_unfinished.c_str(), flags | O_EXCL);
     } while (descriptor < 0 && errno == EEXIST);  // left behind by another process of that number
     if (descriptor < 0) m_unfinished.clear();
@@ -163,26 +164,28 @@ File::~File() {
 
 void File::swap(File& other) noexcept {
     std::swap(m_stream, other.m_stream);
+    std::swap(m_partsLeft, other.m_partsLeft);
+    m_folder.swap(other.m_folder);
     m_target.swap(other.m_target);
     m_unfinished.swap(other.m_unfinished);
 }
 
-bool File::Close() {
+bool File::Close() noexcept {
     File closing;
     swap(closing);
     std::FILE* const stream = std::exchange(closing.m_stream, nullptr);
     if (!stream) return true;
-    const bool wasWritten = !std::ferror(stream);
+    const bool isWhole = !std::ferror(stream) && closing.m_partsLeft == 0;
     const bool isStored = std::fclose(stream) == 0;
-    return isStored && (closing.m_unfinished.empty() || (wasWritten && closing.TakeTheName()));
+    return isStored && (closing.m_unfinished.empty() || (isWhole && closing.TakeTheName()));
 }
 
-bool File::TakeTheName() {
+bool File::TakeTheName() noexcept {
     if (!Sync(m_unfinished.c_str(), O_RDWR | O_CLOEXEC) ||
         std::rename(m_unfinished.c_str(), m_target.c_str()) != 0)
         return false;
     m_unfinished.clear();
-    return Sync(FolderOf(m_target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    return Sync(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
 std::size_t Read(std::FILE* stream, void* data, std::size_t bytes) {

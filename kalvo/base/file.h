@@ -33,17 +33,22 @@ public:
     std::FILE* Get() const { return m_stream; }
 
     // Flushes and closes; false when data could not be written. A closed file stays closed.
-    bool Close();
+    bool Close() noexcept;
+
+    // A file with a part that did not end replaces nothing, and closing it fails.
+    void BeginPart() { ++m_partsLeft; }
+    void EndPart() { --m_partsLeft; }
 
     void swap(File& other) noexcept;
 
 private:
     // Opens a file of another name that is to become this one; -1 on failure.
     int OpenBeside(const char* name, int flags);
-    bool TakeTheName();
+    bool TakeTheName() noexcept;
 
     std::FILE* m_stream = nullptr;
-    std::string m_target, m_unfinished;  // empty, or what is replaced and by what
+    int m_partsLeft = 0;
+    std::string m_folder, m_target, m_unfinished;  // empty, or what is replaced, where and by what
 };
 
 // Reads until `bytes` bytes are there or the stream has no more, whatever interrupts it; returns how many.

@@ -3,6 +3,7 @@
 #include "kalvo/imagefiles/kxjpeghandler.h"
 
 #include "kalvo/archive/archivedobject.h"
+#include "kalvo/frame/boundary.h"
 #include "kalvo/imagefiles/jpeghandler_impl.h"
 
 using namespace Zelkor::Kalvo;
@@ -10,22 +11,24 @@ using namespace Zelkor::Kalvo;
 namespace {
 
 template <class Character>
-std::basic_string<Character> NameOf(const Character* path) {
-    return path ? path : std::basic_string<Character>();
-}
-
-template <class Name>
-void LoadFrom(const Name& path, KxJpegHandler& handler) {
+void LoadFrom(const std::basic_string<Character>& path, KxJpegHandler& handler) {
     const std::unique_ptr<KxSerializer> stream(KxSerializer::CreateFileReader(path));
     if (stream) handler.Load(stream.get());
 }
 
-template <class Name>
-void SaveTo(const Name& path, const KxJpegHandler& handler) {
+template <class Character>
+void SaveTo(const std::basic_string<Character>& path, const KxJpegHandler& handler) {
     const std::unique_ptr<KxSerializer> stream(KxSerializer::CreateFileWriter(path));
     if (!stream) return;
     handler.Save(stream.get());
     stream->Close();
+}
+
+// Calls `exchange(name, handler)`; there may be no memory for the name.
+template <class Character, class Handler>
+void WithName(const Character* path, void (*exchange)(const std::basic_string<Character>&, Handler&),
+              Handler& handler) {
+    AtBoundary(nullptr, [&] { exchange(path ? path : std::basic_string<Character>(), handler); });
 }
 
 }  // namespace
@@ -65,9 +68,9 @@ void KxJpegHandler::SaveSJfif(const char* pszPath) { SaveFieldFile(m_pImplementa
 
 void KxJpegHandler::SaveSJfif(const std::string& path) { SaveSJfif(path.c_str()); }
 
-void KxJpegHandler::Load(const char* pszPath) { LoadFrom(NameOf(pszPath), *this); }
+void KxJpegHandler::Load(const char* pszPath) { WithName(pszPath, LoadFrom, *this); }
 
-void KxJpegHandler::Load(const unsigned short* pwszPath) { LoadFrom(NameOf(pwszPath), *this); }
+void KxJpegHandler::Load(const unsigned short* pwszPath) { WithName(pwszPath, LoadFrom, *this); }
 
 void KxJpegHandler::Load(const std::string& path) { LoadFrom(path, *this); }
 
@@ -82,9 +85,9 @@ void KxJpegHandler::Load(KxSerializer* pSerializer) {
     LoadObject(pSerializer, *m_pImplementation, "KxJpegHandler::Load");
 }
 
-void KxJpegHandler::Save(const char* pszPath) const { SaveTo(NameOf(pszPath), *this); }
+void KxJpegHandler::Save(const char* pszPath) const { WithName(pszPath, SaveTo, *this); }
 
-void KxJpegHandler::Save(const unsigned short* pwszPath) const { SaveTo(NameOf(pwszPath), *this); }
+void KxJpegHandler::Save(const unsigned short* pwszPath) const { WithName(pwszPath, SaveTo, *this); }
 
 void KxJpegHandler::Save(const std::string& path) const { SaveTo(path, *this); }
 

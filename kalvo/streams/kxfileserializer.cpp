@@ -142,9 +142,16 @@ int KxFileSerializer::IsReading() const { return m_pFile && !m_bWriting; }
 
 int KxFileSerializer::IsEOS() const { return !IsWriting() && IsAtEnd(File(), m_n64FileSize); }
 
-void KxFileSerializer::PushStreamPos() { m_Positions.push_back(PositionOf(File())); }
+// An object is a part of the file, which ends when the object was saved.
+void KxFileSerializer::PushStreamPos() {
+    if (m_pFile) m_pFile->BeginPart();
+    m_Positions.push_back(PositionOf(File()));
+}
 
-void KxFileSerializer::PopAndForgetStreamPos() { PopPosition(m_Positions); }
+void KxFileSerializer::PopAndForgetStreamPos() {
+    PopPosition(m_Positions);
+    if (m_pFile) m_pFile->EndPart();
+}
 
 void KxFileSerializer::PopAndApplyStreamPos() { SeekTo(File(), PopPosition(m_Positions)); }
 
