@@ -1,5 +1,10 @@
 #!/usr/bin/env python3
-"""Checks that the library exports what its installed headers declare, and nothing else: check_exports.py PREFIX"""
+"""Checks that the library exports what its installed headers declare, and nothing else, and that what programs were
+built against is as it was: check_exports.py PREFIX [--update]
+
+.ci/abi.txt lists the exported symbols, with their sizes where programs know them, and the sizes of classes with virtual
+functions. --update writes it anew."""
+import difflib
 import re
 import subprocess
 import sys
@@ -36,7 +41,24 @@ def declarations_of(include_folder):
         return {element.get("id"): element for element in ElementTree.parse(xml.name).getroot()}
 
 
-def main(prefix):
+def abi_of(library, elements, files):
+    """Tables of virtual functions are as long as they have slots."""
+    symbols = (line.split() for line in output_of("nm", "-D", "-S", "--defined-only", library).splitlines())
+    lines = [f"{symbol[-1]} {int(symbol[1], 16)}" if symbol[-2] in "BDRV" else symbol[-1] for symbol in symbols]
+    polymorphic = {e.get("context") for e in elements.values() if e.get("virtual") == "1"}
+    lines += [f"class {e.get('name')} {int(e.get('size')) // 8}" for key, e in elements.items()
+              if e.tag in CLASSES and key in polymorphic and e.get("file") in files and e.get("size")]
+    return sorted(set(lines))
+
+
+def changes_of(abi, update):
+    path = Path(__file__).with_name("abi.txt")
+    if update:
+        path.write_text("\n".join(abi) + "\n")
+    return [line for line in difflib.unified_diff(path.read_text().splitlines(), abi, "abi.txt", "now", n=0, lineterm="")]
+
+
+def main(prefix, update):
     library = next(prefix.glob("lib*/**/libkalvo.so"))
     exported = {line.split()[-1] for line in output_of("nm", "-D", "--defined-only", library).splitlines()}
     readable = output_of("c++filt", input="\n".join(exported)).splitlines()
@@ -60,9 +82,10 @@ def main(prefix):
     faults += [f"exported, but declared in no installed header: {text}" for text in readable
                if name_in(text) not in declared_names and not text.startswith(COMPILER_MADE)
                and not any(name in name_in(text) for name in classes)]  # member templates are not listed
-    print("\n".join(faults) or f"{len(exported)} symbols are exported, as declared")
+    faults += changes_of(abi_of(library, elements, files), update)
+    print("\n".join(faults) or f"{len(exported)} symbols are exported, as declared and as ever")
     return 1 if faults else 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(Path(sys.argv[1]).resolve()))
+    sys.exit(main(Path(sys.argv[1]).resolve(), "--update" in sys.argv))

@@ -205,7 +205,7 @@ void Scenarios::AddFormat(const std::string& name, IMAGE_FILE_TYPES type) {
 }
 
 void Scenarios::AddImageFiles() {
-    KxSetTiffStripSize(160);
+    KxSetTiffStripSize(80);
     AddFormat<KxBW1>("bilevel.bmp", IMAGE_FILE_BMP_BILEVEL);
     AddFormat<KxBW8>("gray.bmp", IMAGE_FILE_BMP_GRAY);
     AddFormat<KxC24>("color.bmp", IMAGE_FILE_BMP_COLOR);

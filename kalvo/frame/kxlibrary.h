@@ -42,11 +42,12 @@ KX_API void KxSetTiffThreshold(unsigned int un32Threshold);
 /// 0 writes the whole image as one strip.
 KX_API void KxSetTiffStripSize(unsigned int un32StripSize);
 
-/// Whether files that the calling thread saves (image files, vector files, JPEG fields, archives that it opens
-/// by name) replace an old file of that name only when all of them is stored: they are written beside it, and
-/// take its name and its permissions when they are closed. When saving fails, or the power does, the old file
-/// is still there; so it is when one of the objects of an archive could not be saved. 0 at first: old files are emptied and written in place. What is no regular file always is;
-/// links stay, and what they lead to is replaced. The folder must take a new file.
+/// Whether files that the calling thread saves (image files, vector files, JPEG fields, archives that it
+/// opens by name) replace an old file of that name only when all of them is stored: they are written beside
+/// it, and take its name and its permissions when they are closed. When saving fails, or the power does, the
+/// old file is still there; so it is when one of the objects of an archive could not be saved. 0 at first:
+/// old files are emptied and written in place. What is no regular file always is; links stay, and what they
+/// lead to is replaced. The folder must take a new file.
 KX_API void KxSetSafeWriting(int bSafe);
 
 /// Allocates from the library's heap; null on failure. Blocks go back with `Kalvo_Free`.

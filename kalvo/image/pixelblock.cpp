@@ -24,8 +24,10 @@ std::int64_t PaddedRowBits(int width, int bitsPerPixel) {
 }  // namespace
 
 bool PixelBlock::Fits(int width, int height, int bitsPerPixel) {
-    return width >= 0 && height >= 0 && (std::int64_t{width} * height * (bitsPerPixel / 8)) >> 32 == 0 &&
-           PaddedRowBits(width, bitsPerPixel) <= std::numeric_limits<std::int32_t>::max();
+    // A row that fits is short enough for the product of all rows.
+    return width >= 0 && height >= 0 &&
+           PaddedRowBits(width, bitsPerPixel) <= std::numeric_limits<std::int32_t>::max() &&
+           (std::int64_t{width} * (bitsPerPixel / 8) * height) >> 32 == 0;
 }
 
 std::int32_t PixelBlock::RowBits(int width, int height, int bitsPerPixel) {
