@@ -82,6 +82,13 @@ void KxSetSafeWriting(int bSafe) {
     if (OzzoTLSStruct* record = KxGetTLSPtr()) record->m_bSafeWriting = bSafe;
 }
 
+void KxSetLoadLimits(std::uint64_t un64Pixels, std::uint64_t un64Bytes) {
+    if (OzzoTLSStruct* record = KxGetTLSPtr()) {
+        record->m_un64MostPixels = un64Pixels;
+        record->m_un64MostBytes = un64Bytes;
+    }
+}
+
 void* Kalvo_Malloc(unsigned int un32Size) { return std::malloc(un32Size); }
 
 void Kalvo_Free(void* pBlock) { std::free(pBlock); }

@@ -1,6 +1,8 @@
 #pragma once
 // Life of the library, its version, and the settings that hold for the process or for the calling thread.
 
+#include <cstdint>
+
 #include "kalvo/base/kxexport.h"
 
 /// Runs the library's life cycle: `un32Reason` 1 process attach, 2 thread attach, 3 thread detach, 0 process
@@ -49,6 +51,11 @@ KX_API void KxSetTiffStripSize(unsigned int un32StripSize);
 /// old files are emptied and written in place. What is no regular file always is; links stay, and what they
 /// lead to is replaced. The folder must take a new file.
 KX_API void KxSetSafeWriting(int bSafe);
+
+/// How many pixels an image may have, and how many bytes the pixels of an image, the elements of a vector or
+/// a JPEG field may take, that the calling thread loads from files and archives; 0, as at first, sets no
+/// limit. Loading what is larger fails with `KX_ERROR_INSUFFICIENT_ALLOCATION` before memory is taken.
+KX_API void KxSetLoadLimits(std::uint64_t un64Pixels, std::uint64_t un64Bytes);
 
 /// Allocates from the library's heap; null on failure. Blocks go back with `Kalvo_Free`.
 extern "C" KX_API void* Kalvo_Malloc(unsigned int un32Size);

@@ -47,6 +47,8 @@ struct OzzoTLSStruct {
     std::uint8_t m_un8TiffThreshold = 128;               ///< a grey value of at least this is a 1 bit
     std::uint32_t m_un32TiffStripSize = 8192;            ///< bytes; 0 for a single strip
     std::int32_t m_bSafeWriting = 0;                     ///< whether files are replaced when they are whole
+    std::uint64_t m_un64MostPixels = 0;                  ///< of an image that is loaded; 0 for no limit
+    std::uint64_t m_un64MostBytes = 0;                   ///< of what is loaded; 0 for no limit
 };
 
 /// The calling thread's record, made on demand; null when it can't be had.

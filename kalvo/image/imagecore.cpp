@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "kalvo/frame/boundary.h"
+#include "kalvo/frame/loadlimits.h"
 #include "kalvo/image/pixelblock.h"
 #include "kalvo/image/regionclass.h"
 #include "kalvo/image/regioncopy.h"
@@ -89,6 +90,8 @@ void ImageCore::Resize(RegionBase& image, ImagePixels& pixels, int width, int he
 }
 
 void ImageCore::ResizeByItself(KxGenericROI& image, int width, int height) {
+    const std::uint64_t pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+    RequireLoadable(pixels * static_cast<unsigned>(image.GetBitsPerPixel()) / 8, pixels);
     ThrowWhatItStores([&] { image.SetSize(width, height); }, KX_ERROR_ROI_OUT_OF_PARENT);
     if (image.GetWidth() != width || image.GetHeight() != height) throw Exception(KX_ERROR_ALLOCATION);
 }

@@ -31,8 +31,9 @@ struct ImageCore {
     static void Resize(KxImage<Pixel>& image, int width, int height) {
         Resize(image, image.m_Pixels, width, height);
     }
-    // Sizes an image through its own `SetSize`, which the caller's class may have replaced. Throws what that
-    // stores, but that regions below it lay beyond the new size is left in the slot.
+    // Gives an image the size that a file tells, through its own `SetSize`, which the caller's class may have
+    // replaced. Throws what that stores, but that regions below it lay beyond the new size is left in the slot;
+    // and KX_ERROR_INSUFFICIENT_ALLOCATION where the thread's limits for loading are exceeded.
     static void ResizeByItself(KxGenericROI& image, int width, int height);
     // Wraps a buffer as `KxImage::SetImagePtr` does. Throws KX_ERROR_PARAMETER_1_OUT_OF_RANGE and
     // KX_ERROR_ORIGIN_IMAGE_TOO_BIG.

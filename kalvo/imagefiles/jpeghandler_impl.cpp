@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "kalvo/frame/loadlimits.h"
 #include "kalvo/frame/outputfile.h"
 #include "kalvo/streams/streambytes.h"
 
@@ -18,6 +19,7 @@ constexpr std::uint64_t kFirstPiece = 1 << 20;
 
 JpegField ReadField(KxSerializer& stream, std::uint32_t size, const char* fieldName) {
     RequireBytes(stream, size);
+    RequireLoadable(size);
     HeapBlock block;
     for (std::uint64_t held = 0; held < size;) {
         const std::uint64_t wanted = std::min<std::uint64_t>(size, std::max(kFirstPiece, 2 * held));
@@ -47,6 +49,7 @@ JpegField LoadFieldFile(const char* path) {
     if (fileSize <= 0) throw Exception(KX_ERROR_FILE_OPEN);
     const auto size = static_cast<std::uint64_t>(fileSize);
     if (size > kLargestField) throw Exception(KX_ERROR_FILE_ACCESS);
+    RequireLoadable(size);
     HeapBlock block;
     block.Resize(size);
     if (Platform::Read(file.Get(), block.Bytes(), size) != size) throw Exception(KX_ERROR_FILE_ACCESS);

@@ -160,7 +160,7 @@ KxGenericROI* LoadFirst(const InspectedFile& file) {
             KxOk();
             return image.release();
         }
-        if (refusal == KX_ERROR_ALLOCATION) break;
+        if (refusal == KX_ERROR_ALLOCATION || refusal == KX_ERROR_INSUFFICIENT_ALLOCATION) break;
     }
     throw Exception(refusal);
 }

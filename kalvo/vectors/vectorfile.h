@@ -12,6 +12,7 @@
 
 #include "kalvo/base/file.h"
 #include "kalvo/frame/boundary.h"
+#include "kalvo/frame/loadlimits.h"
 #include "kalvo/streams/archiveheader.h"
 #include "kalvo/streams/byteorder.h"
 #include "kalvo/vectors/kxvector.h"
@@ -160,6 +161,7 @@ void ReadElements(std::FILE* stream, KxVectorTemplate<T>& vector, unsigned versi
     const auto declared = LoadLittleEndian<std::uint32_t>(ReadBytes<4>(stream).data());
     const std::optional<std::uint64_t> left = Platform::BytesLeft(stream, Platform::SizeOf(stream));
     vector.Empty();
+    RequireLoadable(declared * std::uint64_t{sizeof(T)});
     if (left && declared * elementBytes > BelievableBytes(*left)) throw Exception(KX_ERROR_ALLOCATION);
 
     // One round for a file. A pipe is believed as far as its deliveries bear it out.

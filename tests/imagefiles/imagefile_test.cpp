@@ -244,6 +244,32 @@ TEST_F(ImageFile, IsDescribedByAnImageWithoutPixels) {
               (Names{"KxDescribeImage", "KxDescribeImage", "KxDescribeImage ( Unicode)"}));
 }
 
+TEST_F(ImageFile, KeepsToTheLimitsOfTheThread) {
+    KxImage<KxBW16> image(40, 30);
+    KxBW16Vector vector, loadedVector;
+    vector.SetNumElements(1200);
+    vector.Save(folder.File("vector").c_str());
+    image.Save(folder.File("a.tif").c_str());
+    image.Save(Stream(KxSerializer::CreateFileWriter(folder.File("a.kxa"))).get());
+    const std::tuple<std::uint64_t, std::uint64_t, KX_ERRORS, KX_ERRORS> kLimits[] = {
+        {1200, 2400, KX_OK, KX_OK},
+        {1199, 0, KX_ERROR_INSUFFICIENT_ALLOCATION, KX_OK},
+        {0, 2399, KX_ERROR_INSUFFICIENT_ALLOCATION, KX_ERROR_INSUFFICIENT_ALLOCATION}};
+    for (const auto& [pixels, bytes, imageCode, vectorCode] : kLimits) {
+        KxSetLoadLimits(pixels, bytes);
+        KxImage<KxBW16> loaded;
+        EXPECT_EQ(KxLoadImage(&loaded, folder.File("a.tif").c_str(), type), imageCode);
+        const std::unique_ptr<KxGenericROI> created(
+            KxGenericROI::CreateImageFromFile(folder.File("a.tif").c_str()));
+        EXPECT_EQ(KxGetError(), imageCode);
+        loaded.Load(Stream(KxSerializer::CreateFileReader(folder.File("a.kxa"))).get());
+        EXPECT_EQ(KxGetError(), imageCode);
+        loadedVector.Load(folder.File("vector").c_str());
+        EXPECT_EQ(KxGetError(), vectorCode);
+    }
+    KxSetLoadLimits(0, 0);
+}
+
 TEST_F(ImageFile, EndsWithoutMemoryForTextsOrPixels) {
     KxImage<KxBW8> image(1, 1), loaded, large(100, 100);
     image.SetTitle(std::string(5000, 'x').c_str());
