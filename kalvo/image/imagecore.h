@@ -32,8 +32,8 @@ struct ImageCore {
         Resize(image, image.m_Pixels, width, height);
     }
     // Gives an image the size that a file tells, through its own `SetSize`, which the caller's class may have
-    // replaced. Throws what that stores, but that regions below it lay beyond the new size is left in the slot;
-    // and KX_ERROR_INSUFFICIENT_ALLOCATION where the thread's limits for loading are exceeded.
+    // replaced. Throws what that stores, but that regions below it lay beyond the new size is left in the
+    // slot; and KX_ERROR_INSUFFICIENT_ALLOCATION where the thread's limits for loading are exceeded.
     static void ResizeByItself(KxGenericROI& image, int width, int height);
     // Wraps a buffer as `KxImage::SetImagePtr` does. Throws KX_ERROR_PARAMETER_1_OUT_OF_RANGE and
     // KX_ERROR_ORIGIN_IMAGE_TOO_BIG.
