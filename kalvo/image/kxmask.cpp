@@ -7,6 +7,7 @@
 
 #include "kalvo/frame/boundary.h"
 #include "kalvo/image/kxregionbase.h"
+#include "kalvo/image/regionrows.h"
 #include "kalvo/vectors/vectorcore.h"
 
 namespace Zelkor::Kalvo {
@@ -22,42 +23,65 @@ struct Columns {
     int end;
 };
 
-// The ellipse inscribed in a box, as an integer decision value: inside where it is not above 0.
-class Ellipse {
-public:
-    Ellipse(int width, int height)
-        : m_width(width), m_height(height), m_a(Square(width - 1)), m_b(Square(height - 1)) {}
+// The ellipse inscribed in a box, as an integer decision value: inside where it is not above 0. Coordinates
+// count from the middle of the box in half pixels, which keeps them integers.
+struct Ellipse {
+    Ellipse(int boxWidth, int boxHeight)
+        : width(boxWidth), height(boxHeight), a(Square(boxWidth - 1)), b(Square(boxHeight - 1)) {}
 
     // The decision value at the corners of the box.
-    WideInteger CornerValue() const { return m_a * m_b - m_a - m_b; }
+    WideInteger CornerValue() const { return a * b - a - b; }
 
-    // The columns of a row where the decision value is at most `limit`. The value is a parabola along the row
-    // with its minimum in the middle, so they are one range, found from the left half.
-    Columns ColumnsAtOrBelow(WideInteger limit, int row) const {
-        int outside = -1;
-        int inside = (m_width - 1) / 2;
-        if (Value(inside, row) > limit) return {0, 0};
-        while (inside - outside > 1) {
-            const int middle = outside + (inside - outside) / 2;
-            (Value(middle, row) > limit ? outside : inside) = middle;
-        }
-        return {inside, m_width - inside};
+    static WideInteger Square(WideInteger value) { return value * value; }
+
+    int width;
+    int height;
+    WideInteger a;
+    WideInteger b;
+};
+
+// Where the decision value is at most `limit`, row by row from the top. The value is a parabola along a row
+// with its minimum in the middle, so that is one range of columns, and the left end of one row is near that
+// of the row before: we follow it, and take the right end from it.
+class Edge {
+public:
+    Edge(const Ellipse& ellipse, WideInteger limit)
+        : m_ellipse(ellipse),
+          m_beyondMiddle((ellipse.width + 1) / 2),
+          m_column(m_beyondMiddle),
+          m_rowStep(4 * ellipse.a * (2 - ellipse.height)) {
+        const WideInteger u = 2 * WideInteger(m_column) - (ellipse.width - 1);
+        m_above = ellipse.b * u * u + ellipse.a * Ellipse::Square(ellipse.height - 1) -
+                  ellipse.a * ellipse.b - ellipse.a - ellipse.b - limit;
+        m_leftStep = 4 * ellipse.b * (1 - u);
+    }
+
+    Columns NextRow() {
+        while (m_column > 0 && m_above + m_leftStep <= 0) MoveLeft();
+        while (m_column < m_beyondMiddle && m_above > 0) MoveRight();
+        m_above += m_rowStep;
+        m_rowStep += 8 * m_ellipse.a;
+        return m_column == m_beyondMiddle ? Columns{0, 0} : Columns{m_column, m_ellipse.width - m_column};
     }
 
 private:
-    static WideInteger Square(WideInteger value) { return value * value; }
-
-    // Coordinates count from the middle of the box in half pixels, which keeps them integers.
-    WideInteger Value(int column, int row) const {
-        const WideInteger u = 2 * WideInteger(column) - (m_width - 1);
-        const WideInteger v = 2 * WideInteger(row) - (m_height - 1);
-        return m_b * u * u + m_a * v * v - m_a * m_b - m_a - m_b;
+    void MoveLeft() {
+        --m_column;
+        m_above += m_leftStep;
+        m_leftStep += 8 * m_ellipse.b;
+    }
+    void MoveRight() {
+        ++m_column;
+        m_leftStep -= 8 * m_ellipse.b;
+        m_above -= m_leftStep;
     }
 
-    int m_width;
-    int m_height;
-    WideInteger m_a;
-    WideInteger m_b;
+    const Ellipse& m_ellipse;
+    const int m_beyondMiddle;
+    int m_column;            // the first one inside, or the one beyond the middle when there is none
+    WideInteger m_above;     // how far the decision value there is above the limit
+    WideInteger m_leftStep;  // what it grows by in the column before,
+    WideInteger m_rowStep;   // and in the row below
 };
 
 // The decision value below which a pixel lies in the hole of a ring.
@@ -71,26 +95,30 @@ WideInteger HoleLimit(const Ellipse& ellipse, float ratio) {
 // Makes runs of a region: addresses of its pixels, or byte offsets from its first pixel.
 class RunMaker {
 public:
-    RunMaker(KxGenericROI& region, bool offsets)
-        : m_region(region),
-          m_bytesPerPixel(std::max(region.GetColPitch(), 1)),
-          m_base(offsets ? Address(0, 0) : 0) {}
+    RunMaker(const KxGenericROI& region, bool offsets)
+        : m_rows(RowsOf(region)),
+          m_bitsPerPixel(static_cast<unsigned>(region.GetBitsPerPixel())),
+          m_first(offsets ? 0 : reinterpret_cast<std::uintptr_t>(m_rows.first)) {}
 
     KxRun Make(int x, int y, int pixels) const {
-        const std::uintptr_t first = Address(x, y) - m_base;
-        const std::uintptr_t end = first + static_cast<std::uintptr_t>(pixels) * m_bytesPerPixel;
+        const std::uintptr_t first = Address(x, y);
+        const std::uintptr_t end =
+            first + static_cast<std::uintptr_t>(pixels) * std::max(m_bitsPerPixel / 8, 1u);
         return {reinterpret_cast<void*>(first), reinterpret_cast<void*>(end), static_cast<std::int16_t>(x),
                 static_cast<std::int16_t>(y)};
     }
 
 private:
+    // 0 for all pixels of a region that has none.
     std::uintptr_t Address(int x, int y) const {
-        return reinterpret_cast<std::uintptr_t>(m_region.GetGenericImagePtr(x, y));
+        if (!m_rows.first) return 0;
+        const std::int64_t bits = m_rows.firstBit + std::int64_t{x} * m_bitsPerPixel;
+        return m_first + static_cast<std::uintptr_t>(m_rows.pitchBytes * y + (bits >> 3));
     }
 
-    KxGenericROI& m_region;
-    unsigned m_bytesPerPixel;
-    std::uintptr_t m_base;
+    ConstRegionRows m_rows;
+    unsigned m_bitsPerPixel;
+    std::uintptr_t m_first;
 };
 
 }  // namespace
@@ -132,8 +160,9 @@ void RegionBase::SetEllipseMask(int n32X, int n32Y, int n32Width, int n32Height)
         VectorCore<KxRun>::SetCount(m_MaskRuns, static_cast<unsigned>(n32Height));
         const RunMaker maker(*this, m_bMaskOffsets);
         const Ellipse ellipse(n32Width, n32Height);
+        Edge edge(ellipse, 0);
         for (int row = 0; row < n32Height; ++row) {
-            const Columns inside = ellipse.ColumnsAtOrBelow(0, row);
+            const Columns inside = edge.NextRow();
             m_MaskRuns[static_cast<unsigned>(row)] =
                 maker.Make(n32X + inside.first, n32Y + row, inside.end - inside.first);
         }
@@ -144,14 +173,14 @@ void RegionBase::SetRingMask(float f32Ratio) {
     m_MaskRuns.Empty();
     const RunMaker maker(*this, m_bMaskOffsets);
     const Ellipse ellipse(m_n32Width, m_n32Height);
-    const WideInteger holeLimit = HoleLimit(ellipse, f32Ratio);
+    Edge outerEdge(ellipse, 0), holeEdge(ellipse, HoleLimit(ellipse, f32Ratio));
     const auto addRun = [&](int first, int end, int row) {
         if (first < end) VectorCore<KxRun>::Append(m_MaskRuns, maker.Make(first, row, end - first));
     };
     AtBoundary("KxROI::SetRingMask", [&] {
         for (int row = 0; row < m_n32Height; ++row) {
-            const Columns outer = ellipse.ColumnsAtOrBelow(0, row);
-            const Columns hole = ellipse.ColumnsAtOrBelow(holeLimit, row);
+            const Columns outer = outerEdge.NextRow();
+            const Columns hole = holeEdge.NextRow();
             if (hole.first == hole.end) {
                 addRun(outer.first, outer.end, row);
             } else {
