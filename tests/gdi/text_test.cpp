@@ -296,20 +296,6 @@ TEST(Fonts, AreMeasured) {
                  GetTextFace(plain.dc, 0, name));
 }
 
-TEST(Fonts, ServeThreadsWhileFacesComeAndGo) {
-    const auto widths = [](int first) {
-        std::vector<LONG> result;
-        for (int i = first; i < first + 80; ++i)
-            result.push_back(Canvas(MakeFont(-10 - i % 40), 1, 8).Out(0, 0, "g").Extent("4\xE2\x82\xAC").cx);
-        return result;
-    };
-    std::vector<std::vector<LONG>> results(4);
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 4; ++i) threads.emplace_back([&, i] { results[i] = widths(10 * i); });
-    threads.clear();
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(results[i], widths(10 * i));
-}
-
 TEST(Fonts, ReplaceAFaceThatKeepsAllItMay) {
     const auto face = FindFace(MakeFont(-1000));
     Glyph spare;

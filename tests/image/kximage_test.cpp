@@ -111,54 +111,6 @@ TEST(ImageCopy, MovesTheMaskAndClonesTheTree) {
     EXPECT_EQ(twin->GetMaskRuns()[0], image.GetMaskRuns()[0]) << "offsets hold wherever the pixels are";
 }
 
-TEST(ImageCopy, WithoutMemoryIsEmptyAndLosesNothing) {
-    const TraceRecorder quiet;
-    Image image(30, 30);
-    Region region(&image, 3, 4, 15, 16), child(&region, 1, 1, 5, 5), second(&image, 0, 0, 4, 4);
-    for (KxGenericROI* node : {static_cast<KxGenericROI*>(&image), static_cast<KxGenericROI*>(&child)})
-        node->SetTitle("a title");
-    image.SetRectangleMask(0, 0, 30, 30);
-    bool hasFailed = true;
-    int points = 0;
-    for (; hasFailed; ++points) {
-        Image existing(7, 7);
-        existing.SetTitle("another title");
-        KxOk();
-        const long before = LiveBlocks();
-        {
-            const FailingMemory memory(points);
-            EXPECT_EQ(image.CopyTo(&existing, 1), &existing);
-            hasFailed = memory.HasFailed();
-        }
-        if (!hasFailed) {  // the clones are ours
-            KxGenericROI* node = existing.GetFirstSubROI();
-            for (; node; node = existing.GetFirstSubROI()) {
-                while (node->GetFirstSubROI()) node = node->GetFirstSubROI();
-                delete node;
-            }
-            break;
-        }
-        EXPECT_EQ(KxGetError(), KX_ERROR_ALLOCATION) << points;
-        EXPECT_EQ(existing.GetExtent(), GenericRoiExtent(0, 0, 0, 0)) << points;
-        EXPECT_EQ(existing.GetFirstSubROI(), nullptr) << points;
-        EXPECT_EQ(existing.Void(), 1);
-        EXPECT_LE(LiveBlocks(), before) << points;
-        EXPECT_EQ(image.GetFirstSubROI(), &region);
-        EXPECT_EQ(second.GetNextSiblingROI(), nullptr);
-    }
-    EXPECT_GT(points, 6);
-    {
-        const FailingMemory memory(0);
-        EXPECT_EQ(image.CopyTo(nullptr, 1), nullptr);
-    }
-    Region target(&image, 1, 1, 2, 2);
-    {
-        const FailingMemory memory(1);
-        EXPECT_EQ(region.CopyTo(&target, 1), &target);
-    }
-    EXPECT_EQ(target.GetExtent(), GenericRoiExtent(1, 1, 2, 2)) << "a region stays as it was";
-}
-
 TEST(ImageCopy, KeepsABufferOfItsSize) {
     Image source(20, 10), destination(20, 10);
     source.SetPixel(7, 3, 3);

@@ -270,19 +270,5 @@ TEST_F(ImageFile, KeepsToTheLimitsOfTheThread) {
     KxSetLoadLimits(0, 0);
 }
 
-TEST_F(ImageFile, EndsWithoutMemoryForTextsOrPixels) {
-    KxImage<KxBW8> image(1, 1), loaded, large(100, 100);
-    image.SetTitle(std::string(5000, 'x').c_str());
-    image.Save(folder.File("a.tif").c_str());
-    large.Save(bmp.c_str());
-    const ShortMemory shortage(4000);
-    EXPECT_EQ(KxLoadImage(&loaded, folder.File("a.tif").c_str(), type), KX_ERROR_ALLOCATION);
-    EXPECT_TRUE(SamePixels(loaded, image));
-    EXPECT_EQ(loaded.GetTitle(), nullptr);
-    KxOk();
-    EXPECT_EQ(KxGenericROI::CreateImageFromFile(bmp.c_str()), nullptr);
-    EXPECT_EQ(KxGetError(), KX_ERROR_ALLOCATION);
-}
-
 }  // namespace
 }  // namespace Zelkor::Kalvo

@@ -14,18 +14,4 @@ public:
     ShortMemory& operator=(const ShortMemory&) = delete;
 };
 
-// While it lives, allocation number `first` of this thread, counted from 0, and all after it are refused.
-class FailingMemory {
-public:
-    explicit FailingMemory(long first);
-    ~FailingMemory();
-    FailingMemory(const FailingMemory&) = delete;
-    FailingMemory& operator=(const FailingMemory&) = delete;
-
-    bool HasFailed() const;
-};
-
-// Blocks that this thread has taken and not given back.
-long LiveBlocks();
-
 }  // namespace Zelkor::Kalvo::Testing

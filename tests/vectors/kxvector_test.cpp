@@ -102,22 +102,12 @@ TEST(Vector, CopiesIntoExactlyAsMuchCapacity) {
     EXPECT_EQ((source = Integers()).GetDataPtr(), nullptr);
 }
 
-TEST(Vector, KeepsItsContentWhenMemoryIsShort) {
-    Integers vector = Make({1, 2});
-    const Integers source = Make({3, 4, 5});
-    const ShortMemory shortage;
-    ExpectFailure(KX_ERROR_ALLOCATION, {"KxVector::SetMaxElements", "KxVector::AddElement"},
-                  [&] { vector.AddElement(9); });
-    ExpectFailure(KX_ERROR_ALLOCATION, {"KxVector::SetMaxElements"}, [&] { vector = source; });
-    EXPECT_EQ(ValuesOf(vector), (Values{1, 2}));
-    EXPECT_EQ(vector.GetMaxElements(), 2u);
-}
-
 TEST(Vector, SiftsDownAHeap) {
     const std::tuple<Values, unsigned, Values> kSifts[] = {
-        {{9, 8, 8}, 1, {8, 1, 8}},                                               // the left child wins ties
-        {{9, 7, 8}, 8, {8, 7, 8}},                                               // an equal child stays
-        {{9, 7, 8}, 1, {8, 7, 1}}, {{9, 8, 4, 7, 6, 3}, 5, {8, 7, 4, 5, 6, 3}},  // down two levels
+        {{9, 8, 8}, 1, {8, 1, 8}},                    // the left child wins ties
+        {{9, 7, 8}, 8, {8, 7, 8}},                    // an equal child stays
+        {{9, 7, 8}, 1, {8, 7, 1}},                    // the right child is the better one
+        {{9, 8, 4, 7, 6, 3}, 5, {8, 7, 4, 5, 6, 3}},  // down two levels
         {Values{}, 1, {}},
     };
     const auto larger = [](const unsigned& a, const unsigned& b) { return int{a > b}; };
