@@ -3,6 +3,7 @@
 set -euo pipefail
 
 kalvo=$1 viewer=$2 folder=$3
+rm -rf "$folder"
 mkdir -p "$folder"
 
 # A page of what `PROGRAM [VERB] --help` prints, which begins with what it is for.
@@ -10,7 +11,8 @@ page() {
     local name=$1 program=$2 verb=${3:-}
     help2man --no-info --name="$("$program" $verb --help | head -n 1)" --help-option="$verb --help" \
              --version-string="$("$program" --version | cut -d ' ' -f 2)" "$program" |
-        sed "s/^\.TH [A-Z-]*/.TH ${name^^}/; /^\.SH EXAMPLES/{n;s/.*/.nf/}" >"$folder/$name.1"
+        sed "s/^\.TH [A-Z-]*/.TH ${name^^}/; /^\.SH EXAMPLES/{n;s/.*/.nf/}" |
+        gzip -9n >"$folder/$name.1.gz"
 }
 
 page kalvo "$kalvo"

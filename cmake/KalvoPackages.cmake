@@ -1,0 +1,49 @@
+# Debian packages: the library, what programs are built with, and our own programs. scripts/packages.sh makes them.
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "The Kalvo developers <kalvo@example.org>")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_COMPONENTS_ALL library development programs)
+
+set(library libkalvo${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
+    "Images and regions of interest over fifteen pixel types, archives of image
+trees, TIFF, BMP and JPEG files, typed vectors, units, display, resampling.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkalvo-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "Headers, and what CMake and pkg-config need to find the library.")
+
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME kalvo)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_PROGRAMS_DESCRIPTION
+    "kalvo converts, compares, draws and plots images and archives; kalvo-view
+shows them and places regions of interest on them.")
+
+file(WRITE ${CMAKE_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/debian/triggers)
+
+# What Debian wants to know of every package.
+file(WRITE ${CMAKE_BINARY_DIR}/debian/copyright "Copyright 2026 the Kalvo developers\nAll rights reserved.\n")
+file(WRITE ${CMAKE_BINARY_DIR}/debian/changelog
+     "kalvo (${PROJECT_VERSION}) stable; urgency=medium\n\n  * See CHANGELOG.md of the sources.\n\n"
+     " -- ${CPACK_PACKAGE_CONTACT}  Thu, 01 Jan 2026 00:00:00 +0000\n")
+find_program(GZIP gzip REQUIRED)
+execute_process(COMMAND ${GZIP} -9nfk changelog WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/debian)
+foreach(component LIBRARY DEVELOPMENT PROGRAMS)
+  string(TOLOWER ${component} name)
+  install(FILES ${CMAKE_BINARY_DIR}/debian/copyright ${CMAKE_BINARY_DIR}/debian/changelog.gz
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${component}_PACKAGE_NAME} COMPONENT ${name})
+endforeach()
+include(CPack)
