@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 
 #include "kalvo/frame/boundary.h"
@@ -41,30 +42,44 @@ struct Ellipse {
 };
 
 // Where the decision value is at most `limit`, row by row from the top. The value is a parabola along a row
-// with its minimum in the middle, so that is one range of columns, and the left end of one row is near that
-// of the row before: we follow it, and take the right end from it.
+// with its minimum in the middle, so that is one range of columns. Its left end is mostly near that of the
+// row before: we follow it there, and take the right end from it.
 class Edge {
 public:
     Edge(const Ellipse& ellipse, WideInteger limit)
         : m_ellipse(ellipse),
+          m_limit(limit),
           m_beyondMiddle((ellipse.width + 1) / 2),
-          m_column(m_beyondMiddle),
           m_rowStep(4 * ellipse.a * (2 - ellipse.height)) {
-        const WideInteger u = 2 * WideInteger(m_column) - (ellipse.width - 1);
-        m_above = ellipse.b * u * u + ellipse.a * Ellipse::Square(ellipse.height - 1) -
-                  ellipse.a * ellipse.b - ellipse.a - ellipse.b - limit;
-        m_leftStep = 4 * ellipse.b * (1 - u);
+        Stand(m_beyondMiddle);
     }
 
     Columns NextRow() {
-        while (m_column > 0 && m_above + m_leftStep <= 0) MoveLeft();
-        while (m_column < m_beyondMiddle && m_above > 0) MoveRight();
+        const int before = m_column;
+        while (m_column > 0 && m_above + m_leftStep <= 0 && before - m_column < kNear) MoveLeft();
+        while (m_column < m_beyondMiddle && m_above > 0 && m_column - before < kNear) MoveRight();
+        if (std::abs(m_column - before) == kNear) Stand(Search());
         m_above += m_rowStep;
         m_rowStep += 8 * m_ellipse.a;
+        ++m_row;
         return m_column == m_beyondMiddle ? Columns{0, 0} : Columns{m_column, m_ellipse.width - m_column};
     }
 
 private:
+    static constexpr int kNear = 32;  // steps that cost less than a search
+
+    WideInteger U(int column) const { return 2 * WideInteger(column) - (m_ellipse.width - 1); }
+    WideInteger V() const { return 2 * WideInteger(m_row) - (m_ellipse.height - 1); }
+    WideInteger Above(int column) const {
+        return m_ellipse.b * Ellipse::Square(U(column)) + m_ellipse.a * Ellipse::Square(V()) -
+               m_ellipse.CornerValue() - 2 * (m_ellipse.a + m_ellipse.b) - m_limit;
+    }
+
+    void Stand(int column) {
+        m_column = column;
+        m_above = Above(column);
+        m_leftStep = 4 * m_ellipse.b * (1 - U(column));
+    }
     void MoveLeft() {
         --m_column;
         m_above += m_leftStep;
@@ -75,9 +90,23 @@ private:
         m_leftStep -= 8 * m_ellipse.b;
         m_above -= m_leftStep;
     }
+    // The first column that is inside, or the one beyond the middle.
+    int Search() const {
+        int first = 0, end = m_beyondMiddle;
+        while (first < end) {
+            const int middle = first + (end - first) / 2;
+            if (Above(middle) > 0)
+                first = middle + 1;
+            else
+                end = middle;
+        }
+        return end;
+    }
 
     const Ellipse& m_ellipse;
+    const WideInteger m_limit;
     const int m_beyondMiddle;
+    int m_row = 0;
     int m_column;            // the first one inside, or the one beyond the middle when there is none
     WideInteger m_above;     // how far the decision value there is above the limit
     WideInteger m_leftStep;  // what it grows by in the column before,
