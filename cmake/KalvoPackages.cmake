@@ -6,8 +6,10 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "The Kalvo developers <kalvo@example.org>")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_COMPONENTS_ALL library development programs)
+set(CPACK_COMPONENTS_ALL library development programs python)
 
+find_package(Python COMPONENTS Interpreter REQUIRED)
+math(EXPR next_minor "${Python_VERSION_MINOR} + 1")
 set(library libkalvo${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
@@ -31,6 +33,14 @@ set(CPACK_COMPONENT_PROGRAMS_DESCRIPTION
     "kalvo converts, compares, draws and plots images and archives; kalvo-view
 shows them and places regions of interest on them.")
 
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-kalvo)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION}), python3-numpy, python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), python3 (<< ${Python_VERSION_MAJOR}.${next_minor})")
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+    "Images as arrays of numpy, regions, masks, archives, files, pictures and plots
+in Python.")
+
 file(WRITE ${CMAKE_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/debian/triggers)
 
@@ -41,7 +51,7 @@ file(WRITE ${CMAKE_BINARY_DIR}/debian/changelog
      " -- ${CPACK_PACKAGE_CONTACT}  Thu, 01 Jan 2026 00:00:00 +0000\n")
 find_program(GZIP gzip REQUIRED)
 execute_process(COMMAND ${GZIP} -9nfk changelog WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/debian)
-foreach(component LIBRARY DEVELOPMENT PROGRAMS)
+foreach(component LIBRARY DEVELOPMENT PROGRAMS PYTHON)
   string(TOLOWER ${component} name)
   install(FILES ${CMAKE_BINARY_DIR}/debian/copyright ${CMAKE_BINARY_DIR}/debian/changelog.gz
           DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${component}_PACKAGE_NAME} COMPONENT ${name})

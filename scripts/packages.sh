@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Makes the Debian packages libkalvo6, libkalvo-dev and kalvo in build/packages, and has lintian look at them.
+# Makes the Debian packages libkalvo6, libkalvo-dev, kalvo and python3-kalvo in build/packages, and has lintian look at them.
 # packages.sh --try also installs them in a bare Debian, builds and runs a program with them, and removes them; that
 # takes root and some minutes.
 set -euo pipefail
 
 cd "$(dirname "$0")/.."
-scripts/setup.sh dpkg-dev file lintian
+scripts/setup.sh dpkg-dev file lintian pybind11-dev python3-dev
 cmake --preset release -B build/packages -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_RPATH=ON \
-      -DKALVO_BUILD_BENCHMARKS=OFF -DKALVO_PACKAGES=ON
+      -DKALVO_BUILD_BENCHMARKS=OFF -DKALVO_BUILD_PYTHON=ON -DKALVO_PACKAGES=ON
 cmake --build build/packages
 rm -f build/packages/*.deb
 (cd build/packages && umask 022 && cpack)
@@ -43,7 +43,8 @@ g++ any_file.cpp $(pkg-config --cflags --libs kalvo) -o consumer
 ./consumer >/dev/null
 kalvo --version
 kalvo-view --version
-apt-get -qq purge --yes kalvo libkalvo-dev libkalvo6 >/dev/null
+python3 -c 'import kalvo; kalvo.Image(9, 9).save("nine.png"); assert kalvo.load("nine.png").width == 9'
+apt-get -qq purge --yes kalvo libkalvo-dev libkalvo6 python3-kalvo >/dev/null
 apt-get -qq autoremove --purge --yes >/dev/null
 dpkg-query --show | cut -f 1 | sort | diff before -
 find / -xdev \( -path /var -o -path /root -o -path /tmp -o -path /etc \) -prune -o -print | sort | diff files_before -

@@ -54,6 +54,12 @@ Failure CurrentFailure() {
     }
 }
 
+void PrintNote(const std::string& file, const std::string& note) {
+    std::cerr << program_invocation_short_name << ": " << Escaped(file) << ": " << note << '\n';
+}
+
+auto* noteHandler = PrintNote;
+
 }  // namespace
 
 Failure Failure::Of(int code) {
@@ -89,8 +95,10 @@ Failure ReportCurrentFailure(const std::string& file) {
     return failure;
 }
 
-void Note(const std::string& file, const std::string& note) {
-    std::cerr << program_invocation_short_name << ": " << Escaped(file) << ": " << note << '\n';
+void Note(const std::string& file, const std::string& note) { noteHandler(file, note); }
+
+void SetNoteHandler(void (*handler)(const std::string& file, const std::string& note)) {
+    noteHandler = handler;
 }
 
 }  // namespace App

@@ -43,8 +43,9 @@ std::string Escaped(const std::string& text);
 // Prints the exception being handled as "PROGRAM: FILE: reason (code)" on the standard error stream.
 Failure ReportCurrentFailure(const std::string& file);
 
-// Prints "PROGRAM: FILE: note" there: what the user should know of a success.
+// Tells what the user should know of a success: prints "PROGRAM: FILE: note" there, or does what was set.
 void Note(const std::string& file, const std::string& note);
+void SetNoteHandler(void (*handler)(const std::string& file, const std::string& note));
 
 // Runs what belongs to one file; reports the failure, if there is one, and returns it.
 template <class Operation>
