@@ -44,6 +44,13 @@ in Python.")
 file(WRITE ${CMAKE_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/debian/triggers)
 
+# Python leaves what it compiles beside its files.
+file(WRITE ${CMAKE_BINARY_DIR}/debian/prerm
+     "#!/bin/sh\nset -e\nif command -v py3clean >/dev/null; then py3clean -p python3-kalvo; fi\n")
+file(CHMOD ${CMAKE_BINARY_DIR}/debian/prerm PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+     WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/debian/prerm)
+
 # What Debian wants to know of every package.
 file(WRITE ${CMAKE_BINARY_DIR}/debian/copyright "Copyright 2026 the Kalvo developers\nAll rights reserved.\n")
 file(WRITE ${CMAKE_BINARY_DIR}/debian/changelog
