@@ -166,6 +166,20 @@ TEST_F(KalvoProgram, DescribesFilesAsJsonWhateverTheirTexts) {
     EXPECT_EQ(files[2]["format"], "tiff-color");
 }
 
+TEST_F(KalvoProgram, WritesArchivesThatAReaderByTheDocumentationReads) {
+    for (const std::string type : {"bw1", "bw16", "c15", "c24a", "tree"}) {
+        Run("kalvo convert tree.kxa " + type + ".kxa --type " + type);
+        json written = json::parse(Run("kalvo archive --json " + type + ".kxa").output).at(0)["objects"][0];
+        const json read =
+            json::parse(Run("python3 " KALVO_ARCHIVE_READER " " + type + ".kxa").output)["objects"][0];
+        written.erase("resolution");
+        json merged = read;
+        merged.merge_patch(written);
+        EXPECT_EQ(merged, read) << type;
+        EXPECT_FALSE(read["pixels"].get<std::string>().empty());
+    }
+}
+
 // The old file or the new one, with the old one's permissions, and nothing beside it.
 TEST_F(KalvoProgram, WritesFilesWholeOrNotAtAll) {
     const Bytes old = folder.Read("label.bmp");
