@@ -191,28 +191,5 @@ TEST(BrokenArchive, IsNotReadOverAndOver) {
     EXPECT_EQ(region.GetFirstSubROI(), nullptr);
 }
 
-TEST(LargeArchive, TakesTimeInProportion) {
-    constexpr int kChildren = 200000, kLevels = 999;
-    Bytes leaves, begins, places;
-    for (int i = 0; i < kChildren; ++i)
-        for (const std::uint8_t byte : Leaf(47, 1, 0, 2, 2)) leaves.push_back(byte);
-    for (int i = 1; i <= kLevels; ++i) {
-        begins = Join({begins, Begin(47, i < kLevels ? 1 : kChildren)});
-        places = Join({places, Place(100, 100, 1, 1)});  // beyond the parent
-    }
-    const Bytes end = Join({Place(0, 0, 5, 5), Pixels(8, 40, Bytes(25))});
-    for (const bool deep : {false, true}) {
-        Image image;
-        WatchedReader reader(deep ? Join({Begin(34, 1), begins, leaves, places, end})
-                                  : Join({Begin(34, kChildren), leaves, end}));
-        EXPECT_EQ(Load(image, reader), deep ? KX_ERROR_ROI_OUT_OF_PARENT : KX_OK);
-        const KxGenericROI* leaf = &image;
-        while (leaf->GetFirstSubROI()) leaf = leaf->GetFirstSubROI();
-        int children = 0;
-        for (; leaf; leaf = leaf->GetNextSiblingROI()) ++children;
-        EXPECT_EQ(children, kChildren);
-    }
-}
-
 }  // namespace
 }  // namespace Zelkor::Kalvo::Testing

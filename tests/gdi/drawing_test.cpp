@@ -245,23 +245,4 @@ TEST(GdiObjects, StockObjectsAreOfTheirKinds) {
     }
 }
 
-TEST(GdiRectangles, Intersect) {
-    const RECT a{0, 0, 10, 10}, b{5, -5, 20, 5}, far{10, 0, 20, 10}, empty{3, 3, 3, 9};
-    RECT result{};
-    EXPECT_TRUE(IntersectRect(&result, &a, &b));
-    const RECT common{5, 0, 10, 5}, around{0, -5, 20, 10};
-    EXPECT_TRUE(EqualRect(&result, &common));
-    EXPECT_FALSE(IntersectRect(&result, &a, &far) || !IsRectEmpty(&result) ||
-                 IntersectRect(&result, &a, &empty));
-    EXPECT_TRUE(UnionRect(&result, &a, &b) && EqualRect(&result, &around));
-    EXPECT_TRUE(UnionRect(&result, &empty, &a) && EqualRect(&result, &a));
-    EXPECT_FALSE(UnionRect(&result, &empty, &empty));
-    EXPECT_TRUE(SetRect(&result, 1, 2, 3, 4) && InflateRect(&result, 2, -1) &&
-                OffsetRect(&result, 1, INT_MAX));
-    EXPECT_EQ(result.left * 100 + result.right, 6);
-    EXPECT_EQ(result.top, INT_MIN + 2);
-    EXPECT_TRUE(PtInRect(&a, {9, 0}) && !PtInRect(&a, {10, 0}));
-    EXPECT_FALSE(CopyRect(&result, nullptr) || OffsetRect(nullptr, 1, 1));
-}
-
 }  // namespace

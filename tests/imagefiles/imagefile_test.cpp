@@ -150,13 +150,6 @@ TEST_F(ImageFile, ResizesAnImageAndClipsItsRegions) {
     EXPECT_EQ(outside.GetExtent(), GenericRoiExtent(0, 0, 4, 3));
 }
 
-TEST_F(ImageFile, ReportsAFullDisk) {
-    KxImage<KxBW8> image(300, 200), dot(1, 1);
-    EXPECT_EQ(KxSaveImage(&image, "/dev/full", IMAGE_FILE_BMP_GRAY), KX_ERROR_FILE_WRITE);
-    EXPECT_EQ(KxSaveImage(&image, "/dev/full", IMAGE_FILE_JPEG_GRAY), KX_ERROR_JPEG_WRITE);
-    EXPECT_EQ(KxSaveImage(&dot, "/dev/full", IMAGE_FILE_BMP_GRAY), KX_ERROR_FILE_WRITE);  // when closed
-}
-
 TEST_F(ImageFile, RefusesBilevelRegionsAndPixelsWithoutFiles) {
     KxImage<KxBW1> bilevel(20, 3);
     bilevel.Save(bmp.c_str());

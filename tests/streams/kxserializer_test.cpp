@@ -158,19 +158,6 @@ TEST(KxFileSerializer, OpensAnotherFileWhenTheLastOneIsClosed) {
     EXPECT_EQ(folder.Read("second"), (Bytes{3, 4}));
 }
 
-TEST(KxFileSerializer, ReportsAFullDiskWhenDeletedOrClosedAndTransfersNothingAfterwards) {
-    KxOk();
-    Write(*Stream(KxSerializer::CreateFileWriter("/dev/full")), {1});
-    EXPECT_EQ(KxGetError(), KX_ERROR_FILE_CLOSE);
-    const Stream full(KxSerializer::CreateFileWriter("/dev/full"));
-    Write(*full, {1});
-    KxOk();
-    full->Close();
-    EXPECT_EQ(KxGetError(), KX_ERROR_FILE_CLOSE);
-    EXPECT_TRUE(!full->IsWriting() && !full->IsReading() && full->IsEOS());
-    EXPECT_EQ(CodeThrownBy([&] { NextByte(*full); }), KX_ERROR_SERIALIZER_NOT_OPEN);
-}
-
 TEST(KxFilePointerSerializer, WorksFromWhereALargeFileStandsAndLeavesItOpen) {
     const TemporaryFolder folder;
     const std::string name = folder.Write("sparse", {});
