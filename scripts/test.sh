@@ -3,7 +3,7 @@
 set -euo pipefail
 
 cd "$(dirname "$0")/.."
-scripts/setup.sh imagemagick libtiff-dev xvfb xauth xdotool  # files of others; a window without a screen
+scripts/setup.sh imagemagick libtiff-dev xvfb xauth xdotool librsvg2-bin  # files of others; a window without a screen
 cmake --preset dev
 cmake --build --preset dev
 ctest --preset dev "$@"
