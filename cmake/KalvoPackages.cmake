@@ -6,7 +6,7 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "The Kalvo developers <kalvo@example.org>")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_COMPONENTS_ALL library development programs python)
+set(CPACK_COMPONENTS_ALL library svg development programs python)
 
 find_package(Python COMPONENTS Interpreter REQUIRED)
 math(EXPR next_minor "${Python_VERSION_MINOR} + 1")
@@ -18,9 +18,16 @@ set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
     "Images and regions of interest over fifteen pixel types, archives of image
 trees, TIFF, BMP and JPEG files, typed vectors, units, display, resampling.")
 
+set(svg_library libkalvo-svg${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_SVG_PACKAGE_NAME ${svg_library})
+set(CPACK_DEBIAN_SVG_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_SVG_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_SVG_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_SVG_DESCRIPTION "Draws annotated images and plots as vector graphics.")
+
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkalvo-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION}), ${svg_library} (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "Headers, and what CMake and pkg-config need to find the library.")
 
@@ -43,6 +50,7 @@ in Python.")
 
 file(WRITE ${CMAKE_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/debian/triggers)
+set(CPACK_DEBIAN_SVG_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/debian/triggers)
 
 # Python leaves what it compiles beside its files.
 file(WRITE ${CMAKE_BINARY_DIR}/debian/prerm
@@ -58,7 +66,7 @@ file(WRITE ${CMAKE_BINARY_DIR}/debian/changelog
      " -- ${CPACK_PACKAGE_CONTACT}  Thu, 01 Jan 2026 00:00:00 +0000\n")
 find_program(GZIP gzip REQUIRED)
 execute_process(COMMAND ${GZIP} -9nfk changelog WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/debian)
-foreach(component LIBRARY DEVELOPMENT PROGRAMS PYTHON)
+foreach(component LIBRARY SVG DEVELOPMENT PROGRAMS PYTHON)
   string(TOLOWER ${component} name)
   install(FILES ${CMAKE_BINARY_DIR}/debian/copyright ${CMAKE_BINARY_DIR}/debian/changelog.gz
           DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${component}_PACKAGE_NAME} COMPONENT ${name})

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the Debian packages libkalvo6, libkalvo-dev, kalvo and python3-kalvo in build/packages, and has lintian look at them.
+# Makes the Debian packages libkalvo6, libkalvo-svg6, libkalvo-dev, kalvo and python3-kalvo in build/packages, and has lintian look at them.
 # packages.sh --try also installs them in a bare Debian, builds and runs a program with them, and removes them; that
 # takes root and some minutes.
 set -euo pipefail
@@ -32,9 +32,9 @@ apt-get -qq install --yes --no-install-recommends ./*.deb >/dev/null
 cat >CMakeLists.txt <<'CMAKE'
 cmake_minimum_required(VERSION 3.20)
 project(consumer CXX)
-find_package(kalvo 6 REQUIRED)
+find_package(kalvo 6 REQUIRED COMPONENTS svg)
 add_executable(consumer any_file.cpp)
-target_link_libraries(consumer PRIVATE kalvo::kalvo)
+target_link_libraries(consumer PRIVATE kalvo::svg)
 CMAKE
 cmake -S . -B consumer_build >/dev/null
 cmake --build consumer_build >/dev/null
@@ -44,7 +44,7 @@ g++ any_file.cpp $(pkg-config --cflags --libs kalvo) -o consumer
 kalvo --version
 kalvo-view --version
 python3 -c 'import kalvo; kalvo.Image(9, 9).save("nine.png"); assert kalvo.load("nine.png").width == 9'
-apt-get -qq purge --yes kalvo libkalvo-dev libkalvo6 python3-kalvo >/dev/null
+apt-get -qq purge --yes kalvo libkalvo-dev libkalvo6 libkalvo-svg6 python3-kalvo >/dev/null
 apt-get -qq autoremove --purge --yes >/dev/null
 dpkg-query --show | cut -f 1 | sort | diff before -
 find / -xdev \( -path /var -o -path /root -o -path /tmp -o -path /etc \) -prune -o -print | sort | diff files_before -
