@@ -49,7 +49,7 @@ public:
     Edge(const Ellipse& ellipse, WideInteger limit)
         : m_ellipse(ellipse),
           m_limit(limit),
-          m_beyondMiddle((ellipse.width + 1) / 2),
+          m_beyondMiddle(ellipse.width / 2 + ellipse.width % 2),
           m_rowStep(4 * ellipse.a * (2 - ellipse.height)) {
         Stand(m_beyondMiddle);
     }

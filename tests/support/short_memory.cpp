@@ -25,7 +25,10 @@ void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
 void* operator new[](std::size_t bytes, const std::nothrow_t& refusable) noexcept {
     return operator new(bytes, refusable);
 }
+void* operator new[](std::size_t bytes) { return operator new(bytes); }
 void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace Zelkor::Kalvo::Testing {
