@@ -98,6 +98,10 @@ struct CubeOptions {
     PictureSize size{600, 600};
 };
 
+struct ErrorOptions {
+    std::vector<int> codes;  // all when there is none
+};
+
 struct TourOptions {
     std::string picture;
     std::string folder = "kalvo-tour";
@@ -127,6 +131,8 @@ int RunResize(const ResizeOptions& options);
 int RunRelief(const ReliefOptions& options);
 // Draws the colours of an image in the colour cube, and saves the picture.
 int RunHistogram3d(const CubeOptions& options);
+// Prints the texts of error codes.
+int RunError(const ErrorOptions& options);
 // Takes a picture through all that the library does, and checks it.
 int RunTour(const TourOptions& options);
 

@@ -289,6 +289,13 @@ void AddHistogram3d(CLI::App& program, CubeOptions& options, Command& chosen) {
     command->callback([&options, &chosen] { chosen = [&options] { return RunHistogram3d(options); }; });
 }
 
+void AddError(CLI::App& program, ErrorOptions& options, Command& chosen) {
+    CLI::App* command = program.add_subcommand("error", "Tell what error codes mean, and what to do");
+    command->add_option("CODE", options.codes, "Numbers of codes; all in a table if not given");
+    AddExamples(*command, "  kalvo error 1414\n  kalvo error\n");
+    command->callback([&options, &chosen] { chosen = [&options] { return RunError(options); }; });
+}
+
 void AddTour(CLI::App& program, TourOptions& options, Command& chosen) {
     CLI::App* command =
         program.add_subcommand("tour", "Take a picture through all the library does, and check it");
@@ -320,6 +327,7 @@ int Run(int argc, char** argv) {
     ResizeOptions resize;
     ReliefOptions relief;
     CubeOptions cube;
+    ErrorOptions errors;
     TourOptions tour;
     AddShow(program, "info", "Tell what image files and archives hold", info, RunInfo, chosen);
     AddShow(program, "archive", "Print the tree of objects in archives", archive, RunArchive, chosen);
@@ -333,6 +341,7 @@ int Run(int argc, char** argv) {
     AddResize(program, resize, chosen);
     AddRelief(program, relief, chosen);
     AddHistogram3d(program, cube, chosen);
+    AddError(program, errors, chosen);
     AddTour(program, tour, chosen);
 
     RemoveUnfinishedFilesWhenInterrupted();

@@ -110,6 +110,8 @@ const std::tuple<const char*, int, const char*> kRuns[] = {
     {"for byte in 85 170; do MALLOC_PERTURB_=$byte kalvo tour photo.jpg --output $byte >/dev/null; done && "
      "diff -r 85 170",
      0, ""},  // whatever the heap held before
+    {"kalvo error 1414", 0, "1414: ROI out of parent limits - Resize to fit in image\n"},
+    {"kalvo error >codes && tail -n +5 " KALVO_ERROR_CODES " | diff codes -", 0, ""},
     {"kalvo tour photo.jpg --output files", 0, "28 checks passed, 0 failed; files in files"},
 };
 
