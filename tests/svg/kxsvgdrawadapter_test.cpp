@@ -74,47 +74,22 @@ TEST(SvgDrawAdapter, DrawsWhatAContextShows) {
     for (int i = 0; i < 50; ++i) profile.AddElement(i * i / 10);
     DrawPointList points;
     for (const DrawPoint point : {DrawPoint{10, 80}, {50, 20}, {90, 70}}) points.Add(point);
+    const RGBColor black = RGBColor::Black, red = RGBColor::Red, blue = RGBColor::Blue,
+                   none = RGBColor::Current;
+    // clang-format off
     const std::pair<const char*, Draw> kDrawings[] = {
-        {"lines",
-         [](auto& s) {
-             s.DrawLine(10, 10, 90, 60, RGBColor::Red), s.DrawLine(5, 95, 95, 95, RGBColor::Black);
-         }},
-        {"boxes",
-         [](auto& s) {
-             s.DrawRectangle(10, 10, 70, 30, RGBColor::Blue),
-                 s.FillRectangle(20, 50, 40, 30, RGBColor::Red, RGBColor::Gray);
-         }},
-        {"ellipses",
-         [](auto& s) {
-             s.DrawEllipse(5, 5, 60, 40, RGBColor::Black),
-                 s.FillEllipse(30, 50, 60, 40, RGBColor::Red, RGBColor::Blue);
-         }},
-        {"arcs",
-         [](auto& s) {
-             s.DrawArc(10, 10, 80, 60, 0.5, 2, RGBColor::Black),
-                 s.DrawArc(30, 30, 40, 60, 1, -4, RGBColor::Red);
-         }},
-        {"polygons",
-         [&](auto& s) {
-             s.FillPolygon(points, RGBColor::Black, RGBColor::Gray), s.DrawPolygon(points, RGBColor::Red);
-         }},
-        {"pixels",
-         [](auto& s) {
-             for (int i = 0; i < 50; ++i) s.SetPixel(20 + i, 30 + i % 20, RGBColor::Black, 0.7);
-         }},
-        {"images",
-         [&](auto& s) {
-             s.DrawImage(&image, 2, 3, 20, 10, 1, RGBColor::Current),
-                 s.DrawImage(&region, 1, 1, 5, 80, 0.5, RGBColor::Red);
-         }},
+        {"lines", [&](auto& s) { s.DrawLine(10, 10, 90, 60, red), s.DrawLine(5, 95, 95, 95, black); }},
+        {"boxes", [&](auto& s) { s.DrawRectangle(9, 9, 70, 30, blue), s.FillRectangle(20, 50, 40, 30, red, blue); }},
+        {"ellipses", [&](auto& s) { s.DrawEllipse(5, 5, 60, 40, black), s.FillEllipse(30, 50, 60, 40, red, blue); }},
+        {"arcs", [&](auto& s) { s.DrawArc(9, 9, 80, 60, 0.5, 2, black), s.DrawArc(30, 30, 40, 60, 1, -4, red); }},
+        {"polygons", [&](auto& s) { s.FillPolygon(points, black, blue), s.DrawPolygon(points, red); }},
+        {"pixels", [&](auto& s) { for (int i = 0; i < 50; ++i) s.SetPixel(20 + i, 30 + i % 20, black, 0.7); }},
+        {"images", [&](auto& s) { s.DrawImage(&image, 2, 3, 20, 9, 1, none), s.DrawImage(&region, 1, 1, 5, 80, 0.5, red); }},
         {"frames", [&](auto& s) { region.DrawFrame(&s, KX_FRAME_POSITION_INSIDE, 1, 4, 4, 0, 0); }},
-        {"texts",
-         [](auto& s) {
-             s.DrawText("Label <1>\nline 2", 10, 10, RGBColor::Black),
-                 s.DrawTextWithBackground("back", 20, 60, RGBColor::White, RGBColor::Blue);
-         }},
+        {"texts", [&](auto& s) { s.DrawText("a <1>\nline 2", 9, 9, black), s.DrawTextWithBackground("b", 20, 60, red, blue); }},
         {"plots", [&](auto& s) { profile.Draw(&s, kSide, kSide, 0, 0); }},
     };
+    // clang-format on
     for (const auto& [name, draw] : kDrawings) {
         Picture shown = OnContext(draw), vectors = AsVectors(draw);
         ASSERT_EQ(vectors.GetWidth(), kSide) << name;
