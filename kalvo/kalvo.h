@@ -4,6 +4,7 @@
 #include "kalvo/base/clock.h"
 #include "kalvo/base/criticalsection.h"
 #include "kalvo/base/kxexport.h"
+#include "kalvo/base/kxmemory.h"
 #include "kalvo/base/messagebox.h"
 #include "kalvo/base/tls.h"
 #include "kalvo/base/win32types.h"

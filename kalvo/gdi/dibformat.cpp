@@ -7,7 +7,8 @@
 #include <array>
 #include <cstring>
 #include <limits>
-#include <new>
+
+#include "kalvo/base/memory.h"
 
 namespace Zelkor::Platform {
 namespace {
@@ -57,8 +58,10 @@ bool FitsMemory(std::size_t rowBytes, int height) {
 
 std::unique_ptr<Bitmap> MakeBitmap(DibFormat format) {
     auto bitmap = std::make_unique<Bitmap>();
-    bitmap->memory.reset(new (std::nothrow) std::uint8_t[format.rowBytes * format.height]());
+    const std::size_t bytes = format.rowBytes * static_cast<std::size_t>(format.height);
+    bitmap->memory = AllocateMemory(bytes);
     if (!bitmap->memory) return nullptr;
+    std::memset(bitmap->memory.get(), 0, bytes);
     bitmap->surface = format.SurfaceAt(bitmap->memory.get());
     bitmap->colors = std::move(format.colors);
     bitmap->surface.colors = bitmap->colors;

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "kalvo/base/kxmemory.h"
 #include "kalvo/frame/boundary.h"
 #include "kalvo/gdi/gdi.h"
 #include "kalvo/raster/lines.h"
@@ -64,7 +65,7 @@ struct Bitmap final : GdiObject {
     Bitmap() : GdiObject(kKind) {}
 
     Surface surface;  // refers to the two below
-    std::unique_ptr<std::uint8_t[]> memory;
+    Memory memory;
     std::vector<RGBQUAD> colors;
     bool isSection = false;  // its pixels and colours are the caller's, too
 

@@ -2,9 +2,9 @@
 // Where the pixels of an image lie, whatever their type.
 
 #include <cstdint>
-#include <memory>
 
 #include "kalvo/base/kxexport.h"
+#include "kalvo/base/kxmemory.h"
 #include "kalvo/measure/kxdimensionalvalue.h"
 
 namespace Zelkor::Kalvo {
@@ -14,7 +14,7 @@ struct KX_API ImagePixels {
     explicit ImagePixels(int n32BitsPerPixel);
     ~ImagePixels();
 
-    std::unique_ptr<std::uint8_t[]> m_pBuffer;
+    Zelkor::Platform::Memory m_pBuffer;
     std::uint8_t* m_pImagePtr = nullptr;
     std::int32_t m_n32BitsPerPixel;
     std::int32_t m_n32BitsPerRow = 0;

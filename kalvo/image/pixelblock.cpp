@@ -4,8 +4,8 @@
 
 #include <cstring>
 #include <limits>
-#include <new>
 
+#include "kalvo/base/memory.h"
 #include "kalvo/frame/kxexception.h"
 
 namespace Zelkor::Kalvo {
@@ -43,7 +43,7 @@ std::uint64_t PixelBlock::Bytes(std::int32_t rowBits, int height) {
 PixelBlock PixelBlock::Allocate(int width, int height, int bitsPerPixel) {
     const std::int32_t rowBits = RowBits(width, height, bitsPerPixel);
     PixelBlock block;
-    block.memory.reset(new (std::nothrow) std::uint8_t[Bytes(rowBits, height) + kSlackBytes]);
+    block.memory = Platform::AllocateMemory(Bytes(rowBits, height) + kSlackBytes);
     if (!block.memory) throw Exception(KX_ERROR_ALLOCATION);
     const std::uintptr_t misalignment =
         reinterpret_cast<std::uintptr_t>(block.memory.get()) % kFirstPixelAlignment;

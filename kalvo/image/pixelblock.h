@@ -2,13 +2,14 @@
 // The memory of an image that owns its pixels.
 
 #include <cstdint>
-#include <memory>
+
+#include "kalvo/base/kxmemory.h"
 
 namespace Zelkor::Kalvo {
 
 // Rows follow one another, padded to 192 bits: whole pixels of three bytes and whole words of eight.
 struct PixelBlock {
-    std::unique_ptr<std::uint8_t[]> memory;
+    Platform::Memory memory;
     std::uint8_t* firstPixel = nullptr;  // aligned to 32 bytes
 
     // Whether an image of that size can be: not negative, less than 4 GiB of pixels, rows of less than 256
