@@ -35,7 +35,7 @@ set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME kalvo)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION}), ${svg_library} (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_PROGRAMS_DESCRIPTION
     "kalvo converts, compares, draws and plots images and archives; kalvo-view
 shows them and places regions of interest on them.")

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# Makes the pictures of the README in docs/pictures, from an image that it draws itself.
+# Makes the pictures of the README and the gallery in docs/pictures, from images that it draws itself.
 set -euo pipefail
 
 cd "$(dirname "$0")/.."
 scripts/setup.sh pybind11-dev python3-dev python3-numpy
 cmake --preset dev -DKALVO_BUILD_PYTHON=ON
-cmake --build --preset dev --target _kalvo kalvo_view
+cmake --build --preset dev --target _kalvo kalvo_view kalvo_program
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-PYTHONPATH=build/dev/python /usr/bin/python3 - "$work/part.kxa" <<'PYTHON'
+PYTHONPATH=build/dev/python /usr/bin/python3 - "$work/part.kxa" "$work/fruit.png" <<'PYTHON'
 """A machined part with a label, in uneven light."""
 import sys
 
@@ -34,6 +34,14 @@ label = image.region(262, 212, 186, 96)
 label.title = "label"
 label.region(18, 18, 140, 60).title = "print"
 image.save(sys.argv[1])
+
+# Balls of three colours on a cloth.
+fruit = np.full((240, 320, 3), (70.0, 80, 105))
+for column, row, radius, color in (90, 90, 60, (220, 50, 40)), (220, 100, 75, (240, 200, 50)), (140, 180, 50, (60, 170, 60)):
+    slope = 1 - np.hypot(x - column, y - row)[:240, :320] ** 2 / radius**2
+    fruit[slope > 0] = (np.sqrt(np.abs(slope))[:, :, None] * 0.8 + 0.2)[slope > 0] * color
+fruit += np.random.default_rng(2).normal(0, 5, fruit.shape)
+kalvo.Image.from_array(np.clip(fruit, 0, 255).astype(np.uint8)).save(sys.argv[2])
 PYTHON
 cat >"$work/script" <<'SCRIPT'
 key tab
@@ -48,4 +56,12 @@ move 480 330
 screenshot docs/pictures/viewer.png
 SCRIPT
 build/dev/bin/kalvo-view "$work/part.kxa" --size 1120x480 --script "$work/script"
-echo "The pictures are in $PWD/docs/pictures."
+pictures=$PWD/docs/pictures
+PATH=$PWD/build/dev/bin:$PATH
+cd "$work"
+kalvo draw part.kxa "$pictures/regions.png" --handles
+kalvo plot part.kxa "$pictures/histogram.svg" --size 640x320
+kalvo plot fruit.png "$pictures/profile.svg" --row 100 --size 640x320
+kalvo relief part.kxa "$pictures/relief.png" --point 4
+kalvo histogram3d fruit.png "$pictures/cube.png" --size 400x400
+echo "The pictures are in $pictures."

@@ -7,6 +7,7 @@
 
 #include "kalvo/display/kxgdidrawadapter.h"
 #include "common/canvas.h"
+#include "common/paper.h"
 #include "common/region.h"
 
 namespace App {
@@ -14,8 +15,8 @@ namespace {
 
 constexpr int kFrameWidth = 2;
 constexpr double kMaskOpacity = 0.45;
-constexpr COLORREF kColors[] = {RGB(255, 60, 40), RGB(0, 190, 255),  RGB(255, 200, 0),
-                                RGB(60, 220, 60), RGB(230, 80, 255), RGB(255, 140, 0)};
+constexpr Zelkor::RGBColor kColors[] = {{255, 60, 40}, {0, 190, 255},  {255, 200, 0},
+                                        {60, 220, 60}, {230, 80, 255}, {255, 140, 0}};
 
 // Also a zoom that is no number makes a side that no canvas has.
 int Zoomed(int pixels, float zoom) {
@@ -23,12 +24,12 @@ int Zoomed(int pixels, float zoom) {
     return side < std::numeric_limits<int>::max() ? static_cast<int>(side) : std::numeric_limits<int>::max();
 }
 
-// Calls `draw(region)` for every region below the image, a pen in its colour being selected.
+// Calls `draw(region)` for every region below the image, with a pen in its colour.
 template <class Draw>
-void ForEachRegion(KxGenericROI& image, Canvas& canvas, int penWidth, const Draw& draw) {
+void ForEachRegion(KxGenericROI& image, const Paper& paper, int penWidth, const Draw& draw) {
     std::size_t index = 0;
     for (KxGenericROI* region = image.GetFirstSubROI(); region; region = region->GetNextROI(&image)) {
-        const SelectedPen pen(canvas.Context(), penWidth, kColors[index++ % std::size(kColors)]);
+        paper.setPen(kColors[index++ % std::size(kColors)], penWidth);
         draw(*region);
     }
 }
@@ -55,10 +56,19 @@ void DrawMasks(Canvas& canvas, Canvas& copy, KxGenericROI& image, float zoom) {
     SetViewportOrgEx(copy.Context(), origin.x, origin.y, nullptr);
     IntersectClipRect(canvas.Context(), left, top, right, bottom);
     BitBlt(copy.Context(), left, top, right - left, bottom - top, canvas.Context(), left, top, SRCCOPY);
-    ForEachRegion(image, copy, 1,
-                  [&](KxGenericROI& region) { region.DrawMask(copy.Context(), zoom, zoom, 0, 0); });
+    DrawOnContext(copy.Context(), [&](const Paper& paper) {
+        ForEachRegion(image, paper, 1,
+                      [&](KxGenericROI& region) { region.DrawMask(copy.Context(), zoom, zoom, 0, 0); });
+    });
     Zelkor::GDIDrawAdapter(canvas.Context())
         .DrawImage(&copy.Image(), 1, 1, -origin.x, -origin.y, kMaskOpacity, Zelkor::RGBColor::Current);
+}
+
+void DrawFrames(const Paper& paper, KxGenericROI& image, const RegionStyle& style) {
+    ForEachRegion(image, paper, kFrameWidth, [&](KxGenericROI& region) {
+        region.DrawFrame(&paper.surface, KX_FRAME_POSITION_INSIDE, style.handles || &region == style.selected,
+                         style.zoom, style.zoom, 0, 0);
+    });
 }
 
 }  // namespace
@@ -73,20 +83,26 @@ void DrawPixels(HDC context, KxGenericROI& image, float zoom, const KxBW8Vector*
 void DrawRegions(Canvas& canvas, Canvas& spare, KxGenericROI& image, const RegionStyle& style) {
     Checked([&] {
         if (style.masks) DrawMasks(canvas, spare, image, style.zoom);
-        ForEachRegion(image, canvas, kFrameWidth, [&](KxGenericROI& region) {
-            region.DrawFrame(canvas.Context(), KX_FRAME_POSITION_INSIDE,
-                             style.handles || &region == style.selected, style.zoom, style.zoom, 0, 0);
-        });
+        DrawOnContext(canvas.Context(), [&](const Paper& paper) { DrawFrames(paper, image, style); });
     });
 }
 
 void SaveTreePicture(KxGenericROI& image, const RegionStyle& style, const KxBW8Vector* table,
                      const std::string& path) {
     const int width = Zoomed(image.GetWidth(), style.zoom), height = Zoomed(image.GetHeight(), style.zoom);
-    Canvas canvas(width, height), spare(width, height);
-    DrawPixels(canvas.Context(), image, style.zoom, table);
-    DrawRegions(canvas, spare, image, style);
-    SavePicture(canvas, path);
+    if (!IsVectorFile(path)) {
+        Canvas canvas(width, height), spare(width, height);
+        DrawPixels(canvas.Context(), image, style.zoom, table);
+        DrawRegions(canvas, spare, image, style);
+        return SavePicture(canvas, path);
+    }
+    Canvas canvas(image.GetWidth(), image.GetHeight()), spare(image.GetWidth(), image.GetHeight());
+    DrawPixels(canvas.Context(), image, 1, table);
+    Checked([&] { DrawMasks(canvas, spare, image, 1); });
+    SaveVectors({width, height}, path, [&](const Paper& paper) {
+        paper.surface.DrawImage(&canvas.Image(), style.zoom, style.zoom, 0, 0, 1, Zelkor::RGBColor::Current);
+        DrawFrames(paper, image, style);
+    });
 }
 
 }  // namespace App

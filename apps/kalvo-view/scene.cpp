@@ -186,21 +186,18 @@ void Scene::PaintSpace(const Viewer& viewer) {
 
 // At the right edge, histogram above profile.
 void Scene::PaintPanel(const Viewer& viewer) {
-    const HDC context = m_canvas->Context();
-    const App::SavedContext saved(context);
     const Extent part = PartOf(viewer);
     const int left = std::max(viewer.Width() - kPanelWidth, 0);
-    GDIDrawAdapter surface(context);
-    surface.FillRectangle(left, 0, viewer.Width() - left, 2 * kPlotHeight, RGBColor::White, RGBColor::White);
-    SetBkMode(context, TRANSPARENT);
     const double pixels = double{1} * part.m_n32Width * part.m_n32Height;
-    WithPart(viewer.Current().Shown(), part, [&](KxGenericROI& region) {
-        App::DrawHistogram(context, {left, 0, kPanelWidth, kPlotHeight}, region,
-                           std::max(1, static_cast<int>(std::sqrt(pixels / kCountedPixels))));
-    });
-    const Extent row(part.m_n32OrgX, part.m_n32OrgY + part.m_n32Height / 2, part.m_n32Width, 1);
-    WithPart(viewer.Current().Shown(), row, [&](KxGenericROI& region) {
-        App::DrawProfile(context, {left, kPlotHeight, kPanelWidth, kPlotHeight}, region);
+    App::DrawOnContext(m_canvas->Context(), [&](const App::Paper& paper) {
+        WithPart(viewer.Current().Shown(), part, [&](KxGenericROI& region) {
+            App::DrawHistogram(paper, {left, 0, kPanelWidth, kPlotHeight}, region,
+                               std::max(1, static_cast<int>(std::sqrt(pixels / kCountedPixels))));
+        });
+        const Extent row(part.m_n32OrgX, part.m_n32OrgY + part.m_n32Height / 2, part.m_n32Width, 1);
+        WithPart(viewer.Current().Shown(), row, [&](KxGenericROI& region) {
+            App::DrawProfile(paper, {left, kPlotHeight, kPanelWidth, kPlotHeight}, region);
+        });
     });
 }
 

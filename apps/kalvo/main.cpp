@@ -20,11 +20,17 @@ constexpr int kWrongUsage = 2;
 // What remains to be done when the command line has been read.
 using Command = std::function<int()>;
 
+// What a command ends with: examples that can be run.
+void AddExamples(CLI::App& command, const char* examples) {
+    command.footer(std::string("Examples:\n") + examples);
+}
+
 void AddShow(CLI::App& program, const char* name, const char* about, ShowOptions& options,
              int (*run)(const ShowOptions&), Command& chosen) {
     CLI::App* command = program.add_subcommand(name, about);
     command->add_option("FILE", options.files, "Files to look at")->required();
     command->add_flag("--json", options.asJson, "Print JSON");
+    AddExamples(*command, run == RunInfo ? "  kalvo info photo.jpg\n" : "  kalvo archive tree.kxa\n");
     if (run == RunInfo)
         command->add_flag("--stats", options.withStatistics, "Read the pixels too, and tell their range");
     command->callback([&options, &chosen, run] { chosen = [&options, run] { return run(options); }; });
@@ -35,11 +41,6 @@ const std::map<std::string, Format> kFormats = {{"bmp", Format::Bmp},
                                                 {"jpeg", Format::Jpeg},
                                                 {"png", Format::Png},
                                                 {"kxa", Format::Archive}};
-
-// What a command ends with: examples that can be run.
-void AddExamples(CLI::App& command, const char* examples) {
-    command.footer(std::string("Examples:\n") + examples);
-}
 
 void AddConvertOptions(CLI::App& command, ConvertOptions& options) {
     command.add_option("--format", options.save.format, "Format of the result; else its extension tells it")
@@ -139,7 +140,18 @@ void AddFields(CLI::App& program, FieldsOptions& options, Command& chosen) {
     command->add_option("--scale", options.scaling, "Size of the result; full if not given")
         ->type_name("NAME")
         ->transform(OneOf(scalings));
+    AddExamples(*command, "  kalvo fields photo.jpg photo.jpg frame.png\n");
     command->callback([&options, &chosen] { chosen = [&options] { return RunFields(options); }; });
+}
+
+void AddInputAndOutput(CLI::App& command, std::string& input, std::string& output) {
+    command.add_option("IN", input, "Image file, or archive that begins with an image")->required();
+    command.add_option("OUT", output, "File to write, as for convert")->required();
+}
+
+void AddInputAndDrawing(CLI::App& command, std::string& input, std::string& output) {
+    command.add_option("IN", input, "Image file, or archive that begins with an image")->required();
+    command.add_option("OUT", output, "File to write, as for convert, or .svg")->required();
 }
 
 void AddDraw(CLI::App& program, DrawOptions& options, Command& chosen) {
@@ -147,8 +159,7 @@ void AddDraw(CLI::App& program, DrawOptions& options, Command& chosen) {
         {"ellipse", MaskEllipse}, {"ring", MaskRing}, {"rect", MaskRectangle}};
     CLI::App* command =
         program.add_subcommand("draw", "Draw an image with its regions, and save the picture");
-    command->add_option("IN", options.input, "Image file, or archive that begins with an image")->required();
-    command->add_option("OUT", options.output, "File to write, as for convert")->required();
+    AddInputAndDrawing(*command, options.input, options.output);
     command->add_option("--zoom", options.zoom, "Pixels of the picture for one of the image")
         ->check(CLI::Range(0.001f, 1000.0f))
         ->capture_default_str();
@@ -173,6 +184,9 @@ void AddDraw(CLI::App& program, DrawOptions& options, Command& chosen) {
             "--lut", [&options](const std::string& text) { options.table = ToTable(text); },
             "What the grey values of a bw8 image are shown as")
         ->type_name("threshold:LEVEL|gain:GAIN,OFFSET,GAMMA");
+    AddExamples(*command,
+                "  kalvo draw photo.jpg framed.png --roi 8,8,40,30 --mask ellipse\n"
+                "  kalvo draw photo.jpg report.svg --zoom 2 --handles --roi 8,8,40,30\n");
     command->callback([&options, &chosen] {
         if (options.masks.size() > std::max<std::size_t>(options.regions.size(), 1))
             throw CLI::ValidationError("--mask", "there are more masks than regions");
@@ -182,8 +196,7 @@ void AddDraw(CLI::App& program, DrawOptions& options, Command& chosen) {
 
 void AddPlot(CLI::App& program, PlotOptions& options, Command& chosen) {
     CLI::App* command = program.add_subcommand("plot", "Plot grey values or colours, and save the picture");
-    command->add_option("IN", options.input, "Image file, or archive that begins with an image")->required();
-    command->add_option("OUT", options.output, "File to write, as for convert")->required();
+    AddInputAndDrawing(*command, options.input, options.output);
     auto* kind = command->add_option_group("kind", "What to plot; the histogram if not given");
     kind->add_option("--row", options.row, "The pixels of a row");
     kind->add_option("--column", options.column, "The pixels of a column");
@@ -199,6 +212,9 @@ void AddPlot(CLI::App& program, PlotOptions& options, Command& chosen) {
             "--size", [&options](const std::string& text) { options.size = ToSize(text); },
             "Size of the picture; 800x400 if not given")
         ->type_name("WIDTHxHEIGHT");
+    AddExamples(*command,
+                "  kalvo plot photo.jpg histogram.png\n"
+                "  kalvo plot photo.jpg report.svg --row 20\n");
     command->callback([&options, &chosen] { chosen = [&options] { return RunPlot(options); }; });
 }
 
@@ -229,11 +245,6 @@ CLI::Option* AddSize(CLI::App& command, Size& size, const char* about) {
         ->type_name("WIDTHxHEIGHT");
 }
 
-void AddInputAndOutput(CLI::App& command, std::string& input, std::string& output) {
-    command.add_option("IN", input, "Image file, or archive that begins with an image")->required();
-    command.add_option("OUT", output, "File to write, as for convert")->required();
-}
-
 void AddResize(CLI::App& program, ResizeOptions& options, Command& chosen) {
     CLI::App* command =
         program.add_subcommand("resize", "Enlarge or shrink an image by repeating or leaving out pixels");
@@ -251,6 +262,7 @@ void AddResize(CLI::App& program, ResizeOptions& options, Command& chosen) {
         ->delimiter(',')
         ->expected(1, 2);
     kind->require_option(1);
+    AddExamples(*command, "  kalvo resize photo.jpg small.png --scale 0.5\n");
     command->callback([&options, &chosen] { chosen = [&options] { return RunResize(options); }; });
 }
 
@@ -273,6 +285,7 @@ void AddRelief(CLI::App& program, ReliefOptions& options, Command& chosen) {
         ->check(CLI::IsMember({1, 4, 5, 9}))
         ->capture_default_str();
     AddSize(*command, options.size, "Size of the picture; what the relief needs if not given");
+    AddExamples(*command, "  kalvo relief photo.jpg relief.png --angles -30,20\n");
     command->callback([&options, &chosen] { chosen = [&options] { return RunRelief(options); }; });
 }
 
@@ -286,6 +299,7 @@ void AddHistogram3d(CLI::App& program, CubeOptions& options, Command& chosen) {
         ->type_name("FILE");
     AddAngles(*command, options.angles)->default_str("-155,35");
     AddSize(*command, options.size, "Size of the picture")->default_str("600x600");
+    AddExamples(*command, "  kalvo histogram3d photo.jpg cube.png\n");
     command->callback([&options, &chosen] { chosen = [&options] { return RunHistogram3d(options); }; });
 }
 
@@ -302,6 +316,7 @@ void AddTour(CLI::App& program, TourOptions& options, Command& chosen) {
     command->add_option("PICTURE", options.picture, "A photograph: JPEG, TIFF or BMP")->required();
     command->add_option("--output", options.folder, "Folder for the files that are written")
         ->capture_default_str();
+    AddExamples(*command, "  kalvo tour photo.jpg --output tour\n");
     command->callback([&options, &chosen] { chosen = [&options] { return RunTour(options); }; });
 }
 

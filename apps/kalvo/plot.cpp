@@ -15,11 +15,12 @@ void Plot(KxImage<Pixel>& image, const PlotOptions& options) {
     AttachPart(part, image, options.region.value_or(Extent(0, 0, image.GetWidth(), image.GetHeight())));
     if (options.row) AttachPart(line, part, {0, *options.row, part.GetWidth(), 1});
     if (options.column) AttachPart(line, part, {*options.column, 0, 1, part.GetHeight()});
-    SavePlot(options.size, options.output, [&](HDC context, const Extent& box) {
+    const Extent box(0, 0, options.size.width, options.size.height);
+    SaveDrawing(options.size, options.output, [&](const Paper& paper) {
         if (options.row || options.column)
-            DrawProfile(context, box, line);
+            DrawProfile(paper, box, line);
         else
-            DrawHistogram(context, box, part);
+            DrawHistogram(paper, box, part);
     });
 }
 

@@ -228,13 +228,14 @@ void Tour::DrawPictures() {
     Checked([&] { m_upper.SetRingMask(0.6f); });
     SaveTreePicture(*m_photo, {.handles = true}, nullptr, File("regions.png"));
     ShowPicture("regions.png");
-    SavePlot({}, File("histogram.png"),
-             [&](HDC context, const Extent& box) { DrawHistogram(context, box, *m_photo); });
+    const PictureSize size;
+    const Extent box(0, 0, size.width, size.height);
+    SaveDrawing(size, File("histogram.png"),
+                [&](const Paper& paper) { DrawHistogram(paper, box, *m_photo); });
     ShowPicture("histogram.png");
     Region row;
     AttachPart(row, *m_photo, {0, m_photo->GetHeight() / 3, m_photo->GetWidth(), 1});
-    SavePlot({}, File("profile.png"),
-             [&](HDC context, const Extent& box) { DrawProfile(context, box, row); });
+    SaveDrawing(size, File("profile.png"), [&](const Paper& paper) { DrawProfile(paper, box, row); });
     ShowPicture("profile.png");
     Check(RunRelief({.input = m_picture.string(), .output = File("relief.png")}) == 0, "relief.png drawn");
     ShowPicture("relief.png");

@@ -269,7 +269,9 @@ py::array Draw(const Node& node, float zoom, bool regions, bool handles, bool ma
 template <class DrawInto>
 py::array Plot(const Node& node, const Size& size, const DrawInto& draw) {
     App::Canvas canvas(size[0], size[1]);
-    draw(canvas.Context(), Extent(0, 0, size[0], size[1]), node.Get());
+    App::DrawOnContext(canvas.Context(), [&](const App::Paper& paper) {
+        draw(paper, Extent(0, 0, size[0], size[1]), node.Get());
+    });
     return Picture(canvas);
 }
 
@@ -453,16 +455,16 @@ PYBIND11_MODULE(_kalvo, module) {
         .def(
             "plot_histogram",
             [](const Node& self, const Size& size) {
-                return Plot(self, size, [](HDC context, const Extent& box, Base& base) {
-                    App::DrawHistogram(context, box, base);
+                return Plot(self, size, [](const App::Paper& paper, const Extent& box, Base& base) {
+                    App::DrawHistogram(paper, box, base);
                 });
             },
             py::arg("size") = Size{800, 400}, "A plot of the levels, as an array.")
         .def(
             "plot_profile",
             [](const Node& self, const Size& size) {
-                return Plot(self, size, [](HDC context, const Extent& box, Base& base) {
-                    App::DrawProfile(context, box, base);
+                return Plot(self, size, [](const App::Paper& paper, const Extent& box, Base& base) {
+                    App::DrawProfile(paper, box, base);
                 });
             },
             py::arg("size") = Size{800, 400}, "A plot of the pixels, row by row, as an array.")
