@@ -72,6 +72,10 @@ const Kernels::Table kPlainLoops = {
             destination[4 * i + 3] = 0;
         }
     },
+    [](const std::uint8_t* words, int wordBytes, std::uint8_t* bytes, std::size_t count) {
+        const auto step = static_cast<std::size_t>(wordBytes);
+        for (std::size_t i = 0; i < count; ++i) bytes[i] = words[step * i + step - 1];
+    },
     [](std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes, std::uint8_t alpha) {
         for (std::size_t i = 0; i < bytes; ++i) {
             destination[i] =
@@ -103,6 +107,7 @@ constexpr Job kJobs[] = {
     {"widen24To32", [](auto& k, auto* from, auto* to, auto size) { k.widen24To32(from, to, size / 4); }},
     {"narrow32To24", [](auto& k, auto* from, auto* to, auto size) { k.narrow32To24(from, to, size / 4); }},
     {"repeatTo32", [](auto& k, auto* from, auto* to, auto size) { k.repeatTo32(from, to, size / 4); }},
+    {"lastBytes", [](auto& k, auto* from, auto* to, auto size) { k.lastBytes(from, 2, to, size / 2); }},
     {"blendConstant", [](auto& k, auto* from, auto* to, auto size) { k.blendConstant(to, from, size, 77); }},
 };
 

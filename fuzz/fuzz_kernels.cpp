@@ -85,6 +85,14 @@ void CheckPixels(ByteSource& choices, std::size_t n) {
         [&](auto* in, auto* out) {
             for (std::size_t i = 0; i < 4 * n; ++i) out[i] = i % 4 < 3 ? in[i / 4] : 0;
         });
+    const int wordBytes = choices.Either() ? 2 : 4;
+    const auto step = static_cast<std::size_t>(wordBytes);
+    Compare(
+        choices, step * n, n, "lastBytes",
+        [&](auto& set, auto* in, auto* out) { set.lastBytes(in, wordBytes, out, n); },
+        [&](auto* in, auto* out) {
+            for (std::size_t i = 0; i < n; ++i) out[i] = in[step * i + step - 1];
+        });
 }
 
 void CheckBytes(ByteSource& choices, std::size_t n) {

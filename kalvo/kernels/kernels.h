@@ -44,6 +44,9 @@ struct Table {
     void (*narrow32To24)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
     void (*repeatTo32)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
 
+    // Takes the last byte of each word of two or four bytes. Without overlap.
+    void (*lastBytes)(const std::uint8_t* words, int wordBytes, std::uint8_t* bytes, std::size_t count);
+
     // Each destination byte d becomes (s x alpha + d x (255 - alpha)) / 255, rounded. Without overlap.
     void (*blendConstant)(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes,
                           std::uint8_t alpha);

@@ -64,6 +64,23 @@ void RepeatTo32(const std::uint8_t* source, std::uint8_t* destination, std::size
     Portable().repeatTo32(source, destination, pixels);
 }
 
+// 32 words at a time. Packing works in halves of registers, so quarters or words come back in another order.
+void LastBytes(const std::uint8_t* words, int wordBytes, std::uint8_t* bytes, std::size_t count) {
+    const __m256i eighths = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+    for (; count >= 32; count -= 32, words += 32 * wordBytes, bytes += 32) {
+        const auto pair = [&](int i) {
+            const __m256i first = Load(words + 64 * i), second = Load(words + 64 * i + 32);
+            return wordBytes == 2
+                       ? _mm256_packus_epi16(_mm256_srli_epi16(first, 8), _mm256_srli_epi16(second, 8))
+                       : _mm256_packus_epi32(_mm256_srli_epi32(first, 24), _mm256_srli_epi32(second, 24));
+        };
+        Store(bytes, wordBytes == 2
+                         ? _mm256_permute4x64_epi64(pair(0), 0xD8)
+                         : _mm256_permutevar8x32_epi32(_mm256_packus_epi16(pair(0), pair(1)), eighths));
+    }
+    Portable().lastBytes(words, wordBytes, bytes, count);
+}
+
 // 16 sums of the weighted components, divided by 255 as the portable twin does.
 __m256i Mix(__m256i source, __m256i destination, __m256i alpha, __m256i rest) {
     const __m256i sum =
@@ -94,6 +111,7 @@ void Install(Table& kernels) {
     kernels.widen24To32 = Widen24To32;
     kernels.narrow32To24 = Narrow32To24;
     kernels.repeatTo32 = RepeatTo32;
+    kernels.lastBytes = LastBytes;
     kernels.blendConstant = BlendConstant;
 }
 

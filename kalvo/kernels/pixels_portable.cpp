@@ -29,6 +29,15 @@ void RepeatTo32(const std::uint8_t* source, std::uint8_t* destination, std::size
     }
 }
 
+template <std::size_t kWordBytes>
+void LastBytesOf(const std::uint8_t* words, std::uint8_t* bytes, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) bytes[i] = words[kWordBytes * (i + 1) - 1];
+}
+
+void LastBytes(const std::uint8_t* words, int wordBytes, std::uint8_t* bytes, std::size_t count) {
+    wordBytes == 2 ? LastBytesOf<2>(words, bytes, count) : LastBytesOf<4>(words, bytes, count);
+}
+
 // With v up to 255 x 255, (v + 128 + (v + 128) / 256) / 256 is v / 255 rounded, and all of it fits 16 bits.
 void BlendConstant(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes,
                    std::uint8_t alpha) {
@@ -46,6 +55,7 @@ void Install(Table& kernels) {
     kernels.widen24To32 = Widen24To32;
     kernels.narrow32To24 = Narrow32To24;
     kernels.repeatTo32 = RepeatTo32;
+    kernels.lastBytes = LastBytes;
     kernels.blendConstant = BlendConstant;
 }
 

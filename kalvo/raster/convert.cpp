@@ -1,5 +1,5 @@
 // Converts rows of pixels. A row goes in pieces through words of 32 bits: one loop per layout loads them and
-// one stores them, instead of a loop for every pair.
+// one stores them, instead of a loop for every pair. What a table makes of bytes mostly is what is stored.
 
 #include "kalvo/raster/convert.h"
 
@@ -19,15 +19,18 @@ constexpr int kPiece = 512;  // pixels; a piece of words stays in the nearest ca
 
 // Eight pixels are stored at a time. Measured: single ones look to the processor as if they might change the
 // table that it reads next, and take up to four times as long, depending on where the table is.
+template <class Word>
 void LookUp(const RawPixel* table, const std::uint8_t* pixels, std::uint8_t* words, int count) {
     constexpr int kGroup = 8;
     int i = 0;
-    for (; i <= count - kGroup; i += kGroup) {
-        RawPixel group[kGroup];
-        for (int k = 0; k < kGroup; ++k) group[k] = table[pixels[i + k]];
-        std::memcpy(words + 4 * static_cast<std::ptrdiff_t>(i), group, sizeof group);
-    }
-    for (; i < count; ++i) Bgrx32Access::Store(words, i, table[pixels[i]]);
+    const auto lookUp = [&](int size) {
+        Word group[kGroup];
+        for (int k = 0; k < size; ++k) group[k] = static_cast<Word>(table[pixels[i + k]]);
+        std::memcpy(words + sizeof(Word) * static_cast<std::size_t>(i), group,
+                    sizeof(Word) * static_cast<std::size_t>(size));
+    };
+    for (; i <= count - kGroup; i += kGroup) lookUp(kGroup);
+    lookUp(count - i);
 }
 
 // For tables whose entry k is the grey k.
@@ -45,9 +48,8 @@ void Load24(const RawPixel*, const std::uint8_t* pixels, std::uint8_t* words, in
     Kernels::Active().widen24To32(pixels, words, static_cast<std::size_t>(count));
 }
 
-// Storing: words become what a row holds by one of these.
+// Storing. From indexed sources the table has made the pixels what is stored.
 
-unsigned AsTheyAre(NearestColors&, RawPixel raw) { return raw; }
 unsigned As555(NearestColors&, RawPixel bgr) { return Bgr555(bgr); }
 unsigned As565(NearestColors&, RawPixel bgr) { return Bgr565(bgr); }
 unsigned AsIndices(NearestColors& nearest, RawPixel bgr) { return nearest.IndexOf(bgr); }
@@ -55,36 +57,42 @@ unsigned AsIndices(NearestColors& nearest, RawPixel bgr) { return nearest.IndexO
 using Encode = unsigned(NearestColors& nearest, RawPixel pixel);
 
 template <class Access, Encode kEncode>
-void StoreAs(NearestColors& nearest, const std::uint8_t* words, std::uint8_t* row, int x, int count) {
-    for (int i = 0; i < count; ++i) Access::Store(row, x + i, kEncode(nearest, Bgrx32Access::Read(words, i)));
+void StoreAs(RowConverter::Encoding& encoding, const std::uint8_t* words, std::uint8_t* row, int x,
+             int count) {
+    for (int i = 0; i < count; ++i)
+        Access::Store(row, x + i, kEncode(encoding.nearest, Bgrx32Access::Read(words, i)));
 }
 
-template <Encode kEncode>
-void StoreBits(NearestColors& nearest, const std::uint8_t* words, std::uint8_t* row, int x, int count) {
-    std::array<std::uint8_t, kPiece> indices;
+void StoreBytesAsBits(RowConverter::Encoding& encoding, const std::uint8_t* bytes, std::uint8_t* row, int x,
+                      int count) {
     std::array<std::uint8_t, kPiece / 8> bits;
-    StoreAs<Indexed8Access, kEncode>(nearest, words, indices.data(), 0, count);
     const auto pixels = static_cast<std::size_t>(count);
-    Kernels::Active().thresholdToBits(indices.data(), 1, bits.data(), pixels);
+    Kernels::Active().thresholdToBits(bytes, encoding.threshold, bits.data(), pixels);
     Kernels::Active().copyBits(bits.data(), 0, row + x / 8, x % 8, pixels);
 }
 
-void Store24(NearestColors&, const std::uint8_t* words, std::uint8_t* row, int x, int count) {
+void StoreWordsAsBits(RowConverter::Encoding& encoding, const std::uint8_t* words, std::uint8_t* row, int x,
+                      int count) {
+    std::array<std::uint8_t, kPiece> indices;
+    StoreAs<Indexed8Access, AsIndices>(encoding, words, indices.data(), 0, count);
+    StoreBytesAsBits(encoding, indices.data(), row, x, count);
+}
+
+void Store24(RowConverter::Encoding&, const std::uint8_t* words, std::uint8_t* row, int x, int count) {
     Kernels::Active().narrow32To24(words, row + 3 * static_cast<std::ptrdiff_t>(x),
                                    static_cast<std::size_t>(count));
 }
 
-// By layout. From indexed sources the table has made the pixels what is stored.
+// By layout, of the source or of the destination.
 
-RowConverter::Load* const kLoads[] = {LookUp, LookUp, LoadWords16<BgrFrom555>, LoadWords16<BgrFrom565>,
-                                      Load24, nullptr};
-RowConverter::Store* const kStoresFromIndexed[] = {StoreBits<AsTheyAre>,
-                                                   StoreAs<Indexed8Access, AsTheyAre>,
-                                                   StoreAs<Word16Access, AsTheyAre>,
-                                                   StoreAs<Word16Access, AsTheyAre>,
-                                                   Store24,
-                                                   nullptr};
-RowConverter::Store* const kStoresFromDirect[] = {StoreBits<AsIndices>,
+RowConverter::Load* const kLoadsOfDirect[] = {
+    nullptr, nullptr, LoadWords16<BgrFrom555>, LoadWords16<BgrFrom565>, Load24, nullptr};
+RowConverter::Load* const kLoadsForIndexed[] = {LookUp<std::uint8_t>,  LookUp<std::uint8_t>,
+                                                LookUp<std::uint16_t>, LookUp<std::uint16_t>,
+                                                LookUp<std::uint32_t>, LookUp<std::uint32_t>};
+RowConverter::Store* const kStoresFromIndexed[] = {StoreBytesAsBits, nullptr, nullptr,
+                                                   nullptr,          Store24, nullptr};
+RowConverter::Store* const kStoresFromDirect[] = {StoreWordsAsBits,
                                                   StoreAs<Indexed8Access, AsIndices>,
                                                   StoreAs<Word16Access, As555>,
                                                   StoreAs<Word16Access, As565>,
@@ -111,6 +119,13 @@ bool IsGreyRamp(std::span<const RawPixel> table) {
         if (table[grey] != PackBgr(grey, grey, grey)) return false;
     }
     return true;
+}
+
+// The byte from which a table says 1, if it says 0 before.
+std::optional<std::uint8_t> StepOf(std::span<const RawPixel> table) {
+    const auto step = std::ranges::find(table, RawPixel{1});
+    if (step == table.end() || std::find(step, table.end(), RawPixel{0}) != table.end()) return std::nullopt;
+    return static_cast<std::uint8_t>(step - table.begin());
 }
 
 }  // namespace
@@ -148,14 +163,25 @@ unsigned NearestColors::IndexOf(RawPixel bgr) {
 RowConverter::RowConverter(const Surface& source, const Surface& destination)
     : m_source(source.layout),
       m_copies(HaveSamePixels(source, destination)),
-      m_nearest(NeedsNearest(source, destination) ? destination.colors : std::span<const RGBQUAD>(),
-                destination.matched),
-      m_load(ForLayout(kLoads, source.layout)),
-      m_store(
-          ForLayout(IsIndexed(source.layout) ? kStoresFromIndexed : kStoresFromDirect, destination.layout)) {
+      m_encoding{
+          NearestColors(NeedsNearest(source, destination) ? destination.colors : std::span<const RGBQUAD>(),
+                        destination.matched)},
+      m_bytesStored(BytesPerPixel(destination.layout)),
+      m_load(ForLayout(kLoadsOfDirect, source.layout)),
+      m_store(ForLayout(kStoresFromDirect, destination.layout)) {
     if (!IsIndexed(source.layout)) return;
     FillTable(source, destination);
+    m_load = ForLayout(kLoadsForIndexed, destination.layout);
+    m_store = ForLayout(kStoresFromIndexed, destination.layout);
     if (BytesPerPixel(destination.layout) >= 3 && IsGreyRamp(m_table)) m_load = LoadGreys;
+    if (destination.layout == PixelLayout::Bits1) {
+        if (const auto step = StepOf(m_table)) {
+            m_encoding.threshold = *step;
+            m_load = nullptr;
+        }
+    }
+    m_expands = source.layout == PixelLayout::Bits1 && destination.layout == PixelLayout::Indexed8 &&
+                m_table.front() == 0 && m_table.back() == 0xFF;
 }
 
 void RowConverter::FillTable(const Surface& source, const Surface& destination) {
@@ -178,6 +204,9 @@ void RowConverter::Convert(const std::uint8_t* source, int sourceX, std::uint8_t
                            int destinationX, int count) {
     if (m_copies) {
         CopyPixels(m_source, source, sourceX, destination, destinationX, count);
+    } else if (m_expands) {
+        Kernels::Active().expandBits(source + sourceX / 8, sourceX % 8, destination + destinationX,
+                                     static_cast<std::size_t>(count));
     } else if (m_source != PixelLayout::Bits1) {
         ConvertBytes(source + static_cast<std::ptrdiff_t>(BytesPerPixel(m_source)) * sourceX, destination,
                      destinationX, count);
@@ -198,17 +227,17 @@ void RowConverter::ConvertBytes(const std::uint8_t* pixels, std::uint8_t* destin
     if (m_copies && m_source != PixelLayout::Bits1)
         return CopyPixels(m_source, pixels, 0, destination, destinationX, count);
     if (!m_store)
-        return m_load(m_table.data(), pixels, destination + 4 * static_cast<std::ptrdiff_t>(destinationX),
-                      count);
+        return m_load(m_table.data(), pixels,
+                      destination + static_cast<std::ptrdiff_t>(m_bytesStored) * destinationX, count);
     std::array<std::uint8_t, 4 * kPiece> piece;
     for (int done = 0, width; done < count; done += width) {
         width = std::min(count - done, kPiece);
-        const std::uint8_t* words = pixels + static_cast<std::ptrdiff_t>(BytesPerPixel(m_source)) * done;
+        const std::uint8_t* loaded = pixels + static_cast<std::ptrdiff_t>(BytesPerPixel(m_source)) * done;
         if (m_load) {
-            m_load(m_table.data(), words, piece.data(), width);
-            words = piece.data();
+            m_load(m_table.data(), loaded, piece.data(), width);
+            loaded = piece.data();
         }
-        m_store(m_nearest, words, destination, destinationX + done, width);
+        m_store(m_encoding, loaded, destination, destinationX + done, width);
     }
 }
 

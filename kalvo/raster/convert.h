@@ -48,20 +48,28 @@ public:
     // The same with source pixels of whole bytes, as `BytesPerPixel` says.
     void ConvertBytes(const std::uint8_t* pixels, std::uint8_t* destination, int destinationX, int count);
 
-    // Pixels are on their way as words of 32 bits: 0x00RRGGBB, or from indexed sources what to store.
-    using Load = void(const RawPixel* table, const std::uint8_t* pixels, std::uint8_t* words, int count);
-    using Store = void(NearestColors& nearest, const std::uint8_t* words, std::uint8_t* row, int x,
-                       int count);
+    // Pixels are on their way as words of 32 bits, 0x00RRGGBB, or from indexed sources as what to store:
+    // bytes for indexed destinations, else words of 16 or 32 bits.
+    using Load = void(const RawPixel* table, const std::uint8_t* pixels, std::uint8_t* loaded, int count);
+
+    // How indices are found.
+    struct Encoding {
+        NearestColors nearest;       // from direct colours
+        std::uint8_t threshold = 1;  // the least byte that becomes the bit 1
+    };
+    using Store = void(Encoding& encoding, const std::uint8_t* loaded, std::uint8_t* row, int x, int count);
 
 private:
     void FillTable(const Surface& source, const Surface& destination);
 
     PixelLayout m_source;
     bool m_copies;
+    bool m_expands = false;         // bits to bytes of 0 and 255
     std::vector<RawPixel> m_table;  // of indexed sources: what each byte becomes
-    NearestColors m_nearest;        // from direct colours to indexed destinations
-    Load* m_load;                   // null for sources that are such words
-    Store* m_store;                 // null for destinations that are
+    Encoding m_encoding;
+    int m_bytesStored;  // in a pixel of the destination, at least 1
+    Load* m_load;       // null where what is to be stored is there already
+    Store* m_store;     // null where what was loaded is what is stored
 };
 
 }  // namespace Zelkor::Platform
