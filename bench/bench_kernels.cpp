@@ -55,6 +55,9 @@ const Kernels::Table kPlainLoops = {
     [](const std::uint8_t* source, std::uint8_t* destination, std::size_t bytes) {
         std::memmove(destination, source, bytes);
     },
+    [](const std::uint8_t* table, const std::uint8_t* source, std::uint8_t* destination, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) destination[i] = table[source[i]];
+    },
     [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
         for (std::size_t i = 0; i < pixels; ++i) {
             for (std::size_t k = 0; k < 3; ++k) destination[4 * i + k] = source[3 * i + k];
@@ -65,6 +68,9 @@ const Kernels::Table kPlainLoops = {
         for (std::size_t i = 0; i < pixels; ++i) {
             for (std::size_t k = 0; k < 3; ++k) destination[3 * i + k] = source[4 * i + k];
         }
+    },
+    [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+        for (std::size_t i = 0; i < 3 * pixels; ++i) destination[i] = source[i / 3];
     },
     [](const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
         for (std::size_t i = 0; i < pixels; ++i) {
@@ -106,6 +112,8 @@ constexpr Job kJobs[] = {
     {"copyBytes", [](auto& k, auto* from, auto* to, auto size) { k.copyBytes(from, to, size); }},
     {"widen24To32", [](auto& k, auto* from, auto* to, auto size) { k.widen24To32(from, to, size / 4); }},
     {"narrow32To24", [](auto& k, auto* from, auto* to, auto size) { k.narrow32To24(from, to, size / 4); }},
+    {"lookUp", [](auto& k, auto* from, auto* to, auto size) { k.lookUp(from, from, to, size); }},
+    {"repeatTo24", [](auto& k, auto* from, auto* to, auto size) { k.repeatTo24(from, to, size / 3); }},
     {"repeatTo32", [](auto& k, auto* from, auto* to, auto size) { k.repeatTo32(from, to, size / 4); }},
     {"lastBytes", [](auto& k, auto* from, auto* to, auto size) { k.lastBytes(from, 2, to, size / 2); }},
     {"blendConstant", [](auto& k, auto* from, auto* to, auto size) { k.blendConstant(to, from, size, 77); }},

@@ -85,6 +85,11 @@ void CheckPixels(ByteSource& choices, std::size_t n) {
         [&](auto* in, auto* out) {
             for (std::size_t i = 0; i < 4 * n; ++i) out[i] = i % 4 < 3 ? in[i / 4] : 0;
         });
+    Compare(
+        choices, n, 3 * n, "repeatTo24", [&](auto& set, auto* in, auto* out) { set.repeatTo24(in, out, n); },
+        [&](auto* in, auto* out) {
+            for (std::size_t i = 0; i < 3 * n; ++i) out[i] = in[i / 3];
+        });
     const int wordBytes = choices.Either() ? 2 : 4;
     const auto step = static_cast<std::size_t>(wordBytes);
     Compare(
@@ -103,6 +108,13 @@ void CheckBytes(ByteSource& choices, std::size_t n) {
         [&](auto*, auto* out) {
             const Bytes copy(out + from, out + from + n);
             std::ranges::copy(copy, out + to);
+        });
+    const Bytes table = MakeBytes(choices, 256);
+    Compare(
+        choices, n, n, "lookUp",
+        [&](auto& set, auto* in, auto* out) { set.lookUp(table.data(), in, out, n); },
+        [&](auto* in, auto* out) {
+            for (std::size_t i = 0; i < n; ++i) out[i] = table[in[i]];
         });
     const std::uint8_t alpha = choices.Byte();
     Compare(

@@ -28,6 +28,11 @@ bool HasAvx2() {
     return __builtin_cpu_supports("avx2") != 0;
 }
 
+bool HasVbmi() {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx512vbmi") != 0 && __builtin_cpu_supports("avx512bw") != 0;
+}
+
 #else
 
 bool HasMmx() { return false; }
@@ -35,6 +40,8 @@ bool HasMmx() { return false; }
 bool HasSha() { return false; }
 
 bool HasAvx2() { return false; }
+
+bool HasVbmi() { return false; }
 
 #endif
 

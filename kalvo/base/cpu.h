@@ -3,8 +3,10 @@
 
 namespace Zelkor::Platform {
 
-bool HasMmx();   // bit 23 of EDX from CPUID function 1
-bool HasSha();   // the SHA extensions, with SSSE3 and SSE4.1
-bool HasAvx2();  // and the operating system saves the wide registers
+bool HasMmx();  // bit 23 of EDX from CPUID function 1
+bool HasSha();  // the SHA extensions, with SSSE3 and SSE4.1
+// And the operating system saves the wide registers.
+bool HasAvx2();
+bool HasVbmi();  // permutations of bytes, with AVX-512 for bytes
 
 }  // namespace Zelkor::Platform

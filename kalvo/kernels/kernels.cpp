@@ -28,6 +28,7 @@ constexpr InstructionSet kInstructionSets[] = {
 #if defined(__x86_64__)
     {"sha", Platform::HasSha, Sha1ShaNi::Install},
     {"avx2", Platform::HasAvx2, InstallAll<RowsAvx2::Install, PixelsAvx2::Install, GatherAvx2::Install>},
+    {"vbmi", Platform::HasVbmi, RowsVbmi::Install},
 #endif
 };
 

@@ -38,10 +38,15 @@ struct Table {
     // Copies bytes; the operands may overlap.
     void (*copyBytes)(const std::uint8_t* source, std::uint8_t* destination, std::size_t bytes);
 
-    // Pixels of three bytes get a fourth one, 0, or lose it; and a byte becomes a pixel of three equal bytes
+    // Each byte becomes entry `byte` of a table of 256. In place or without overlap.
+    void (*lookUp)(const std::uint8_t* table, const std::uint8_t* source, std::uint8_t* destination,
+                   std::size_t count);
+
+    // Pixels of three bytes get a fourth one, 0, or lose it; and a byte becomes a pixel of three equal bytes,
     // and a 0. Without overlap.
     void (*widen24To32)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
     void (*narrow32To24)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
+    void (*repeatTo24)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
     void (*repeatTo32)(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels);
 
     // Takes the last byte of each word of two or four bytes. Without overlap.
@@ -69,6 +74,9 @@ namespace RowsPortable {
 void Install(Table& kernels);
 }
 namespace RowsAvx2 {
+void Install(Table& kernels);
+}
+namespace RowsVbmi {
 void Install(Table& kernels);
 }
 namespace PixelsPortable {

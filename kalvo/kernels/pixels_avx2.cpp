@@ -54,6 +54,18 @@ void Narrow32To24(const std::uint8_t* source, std::uint8_t* destination, std::si
     Portable().narrow32To24(source, destination, pixels);
 }
 
+void RepeatTo24(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+    const __m256i first = _mm256_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5, 5, 5, 6, 6, 6, 7,
+                                           7, 7, 8, 8, 8, 9, 9, 9, 10, 10);
+    const __m128i rest = _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15);
+    for (; pixels >= 16; pixels -= 16, source += 16, destination += 48) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
+        Store(destination, _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(sixteen), first));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(destination + 32), _mm_shuffle_epi8(sixteen, rest));
+    }
+    Portable().repeatTo24(source, destination, pixels);
+}
+
 void RepeatTo32(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
     const __m256i threeOfEachWord =
         _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 0, 0, -1, 4, 4, 4, -1, 8, 8, 8, -1, 12, 12, 12, -1));
@@ -110,6 +122,7 @@ void Install(Table& kernels) {
     kernels.copyBytes = CopyBytes;
     kernels.widen24To32 = Widen24To32;
     kernels.narrow32To24 = Narrow32To24;
+    kernels.repeatTo24 = RepeatTo24;
     kernels.repeatTo32 = RepeatTo32;
     kernels.lastBytes = LastBytes;
     kernels.blendConstant = BlendConstant;

@@ -22,6 +22,13 @@ void Narrow32To24(const std::uint8_t* source, std::uint8_t* destination, std::si
     for (std::size_t i = 0; i < pixels; ++i) std::memcpy(destination + 3 * i, source + 4 * i, 3);
 }
 
+void RepeatTo24(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
+    for (std::size_t i = 0; i < pixels; ++i) {
+        const std::uint8_t bytes[3] = {source[i], source[i], source[i]};
+        std::memcpy(destination + 3 * i, bytes, 3);
+    }
+}
+
 void RepeatTo32(const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels) {
     for (std::size_t i = 0; i < pixels; ++i) {
         const std::uint8_t bytes[4] = {source[i], source[i], source[i], 0};
@@ -54,6 +61,7 @@ void Install(Table& kernels) {
     kernels.copyBytes = CopyBytes;
     kernels.widen24To32 = Widen24To32;
     kernels.narrow32To24 = Narrow32To24;
+    kernels.repeatTo24 = RepeatTo24;
     kernels.repeatTo32 = RepeatTo32;
     kernels.lastBytes = LastBytes;
     kernels.blendConstant = BlendConstant;

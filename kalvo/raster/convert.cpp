@@ -20,12 +20,12 @@ constexpr int kPiece = 512;  // pixels; a piece of words stays in the nearest ca
 // Eight pixels are stored at a time. Measured: single ones look to the processor as if they might change the
 // table that it reads next, and take up to four times as long, depending on where the table is.
 template <class Word>
-void LookUp(const RawPixel* table, const std::uint8_t* pixels, std::uint8_t* words, int count) {
+void LookUp(const RowConverter::Table& table, const std::uint8_t* pixels, std::uint8_t* words, int count) {
     constexpr int kGroup = 8;
     int i = 0;
     const auto lookUp = [&](int size) {
         Word group[kGroup];
-        for (int k = 0; k < size; ++k) group[k] = static_cast<Word>(table[pixels[i + k]]);
+        for (int k = 0; k < size; ++k) group[k] = static_cast<Word>(table.pixels[pixels[i + k]]);
         std::memcpy(words + sizeof(Word) * static_cast<std::size_t>(i), group,
                     sizeof(Word) * static_cast<std::size_t>(size));
     };
@@ -33,18 +33,39 @@ void LookUp(const RawPixel* table, const std::uint8_t* pixels, std::uint8_t* wor
     lookUp(count - i);
 }
 
+void LookUpBytes(const RowConverter::Table& table, const std::uint8_t* pixels, std::uint8_t* bytes,
+                 int count) {
+    Kernels::Active().lookUp(table.bytes.data(), pixels, bytes, static_cast<std::size_t>(count));
+}
+
+using Repeat = void (*Kernels::Table::*)(const std::uint8_t* source, std::uint8_t* destination,
+                                         std::size_t pixels);
+
 // For tables whose entry k is the grey k.
-void LoadGreys(const RawPixel*, const std::uint8_t* pixels, std::uint8_t* words, int count) {
-    Kernels::Active().repeatTo32(pixels, words, static_cast<std::size_t>(count));
+template <Repeat kRepeat>
+void LoadGreys(const RowConverter::Table&, const std::uint8_t* pixels, std::uint8_t* stored, int count) {
+    (Kernels::Active().*kRepeat)(pixels, stored, static_cast<std::size_t>(count));
+}
+
+// For tables of greys.
+template <Repeat kRepeat, int kBytes>
+void LookUpGreys(const RowConverter::Table& table, const std::uint8_t* pixels, std::uint8_t* stored,
+                 int count) {
+    std::array<std::uint8_t, kPiece> greys;
+    for (int done = 0, width; done < count; done += width) {
+        width = std::min(count - done, kPiece);
+        LookUpBytes(table, pixels + done, greys.data(), width);
+        LoadGreys<kRepeat>(table, greys.data(), stored + std::ptrdiff_t{kBytes} * done, width);
+    }
 }
 
 template <RawPixel (*kBgrFromWord)(unsigned)>
-void LoadWords16(const RawPixel*, const std::uint8_t* pixels, std::uint8_t* words, int count) {
+void LoadWords16(const RowConverter::Table&, const std::uint8_t* pixels, std::uint8_t* words, int count) {
     for (int i = 0; i < count; ++i)
         Bgrx32Access::Store(words, i, kBgrFromWord(Word16Access::Read(pixels, i)));
 }
 
-void Load24(const RawPixel*, const std::uint8_t* pixels, std::uint8_t* words, int count) {
+void Load24(const RowConverter::Table&, const std::uint8_t* pixels, std::uint8_t* words, int count) {
     Kernels::Active().widen24To32(pixels, words, static_cast<std::size_t>(count));
 }
 
@@ -87,7 +108,7 @@ void Store24(RowConverter::Encoding&, const std::uint8_t* words, std::uint8_t* r
 
 RowConverter::Load* const kLoadsOfDirect[] = {
     nullptr, nullptr, LoadWords16<BgrFrom555>, LoadWords16<BgrFrom565>, Load24, nullptr};
-RowConverter::Load* const kLoadsForIndexed[] = {LookUp<std::uint8_t>,  LookUp<std::uint8_t>,
+RowConverter::Load* const kLoadsForIndexed[] = {LookUpBytes,           LookUpBytes,
                                                 LookUp<std::uint16_t>, LookUp<std::uint16_t>,
                                                 LookUp<std::uint32_t>, LookUp<std::uint32_t>};
 RowConverter::Store* const kStoresFromIndexed[] = {StoreBytesAsBits, nullptr, nullptr,
@@ -114,11 +135,17 @@ bool NeedsNearest(const Surface& source, const Surface& destination) {
     return IsIndexed(destination.layout) && !IsIndexed(source.layout);
 }
 
-bool IsGreyRamp(std::span<const RawPixel> table) {
-    for (unsigned grey = 0; grey < table.size(); ++grey) {
-        if (table[grey] != PackBgr(grey, grey, grey)) return false;
+// What makes pixels of three or four bytes by a table of greys, if it is one.
+RowConverter::Load* GreyLoadOf(const RowConverter::Table& table, int bytes) {
+    bool isRamp = true;
+    for (unsigned i = 0; i < table.pixels.size(); ++i) {
+        const unsigned grey = table.bytes[i];
+        if (table.pixels[i] != PackBgr(grey, grey, grey)) return nullptr;
+        isRamp = isRamp && grey == i;
     }
-    return true;
+    using Kernels::Table;
+    if (bytes == 3) return isRamp ? LoadGreys<&Table::repeatTo24> : LookUpGreys<&Table::repeatTo24, 3>;
+    return isRamp ? LoadGreys<&Table::repeatTo32> : LookUpGreys<&Table::repeatTo32, 4>;
 }
 
 // The byte from which a table says 1, if it says 0 before.
@@ -173,31 +200,38 @@ RowConverter::RowConverter(const Surface& source, const Surface& destination)
     FillTable(source, destination);
     m_load = ForLayout(kLoadsForIndexed, destination.layout);
     m_store = ForLayout(kStoresFromIndexed, destination.layout);
-    if (BytesPerPixel(destination.layout) >= 3 && IsGreyRamp(m_table)) m_load = LoadGreys;
+    if (m_bytesStored >= 3) {
+        if (Load* const load = GreyLoadOf(m_table, m_bytesStored)) {
+            m_load = load;
+            m_store = nullptr;
+        }
+    }
     if (destination.layout == PixelLayout::Bits1) {
-        if (const auto step = StepOf(m_table)) {
+        if (const auto step = StepOf(m_table.pixels)) {
             m_encoding.threshold = *step;
             m_load = nullptr;
         }
     }
     m_expands = source.layout == PixelLayout::Bits1 && destination.layout == PixelLayout::Indexed8 &&
-                m_table.front() == 0 && m_table.back() == 0xFF;
+                m_table.pixels.front() == 0 && m_table.pixels.back() == 0xFF;
 }
 
 void RowConverter::FillTable(const Surface& source, const Surface& destination) {
-    m_table.resize(256);
+    m_table.pixels.resize(256);
     const auto pixelOf = [&](std::size_t index) {
         const RawPixel bgr = BgrFromRaw(source, static_cast<RawPixel>(index));
         return destination.matched ? bgr == *destination.matched : RawFromBgr(destination, bgr);
     };
     if (source.layout == PixelLayout::Bits1) {
         // Nothing meets the entries between; like this, black and white make a ramp.
-        for (unsigned grey = 1; grey < 255; ++grey) m_table[grey] = PackBgr(grey, grey, grey);
-        m_table.front() = pixelOf(0);
-        m_table.back() = pixelOf(1);
+        for (unsigned grey = 1; grey < 255; ++grey) m_table.pixels[grey] = PackBgr(grey, grey, grey);
+        m_table.pixels.front() = pixelOf(0);
+        m_table.pixels.back() = pixelOf(1);
     } else {
-        for (std::size_t i = 0; i < m_table.size(); ++i) m_table[i] = pixelOf(i);
+        for (std::size_t i = 0; i < m_table.pixels.size(); ++i) m_table.pixels[i] = pixelOf(i);
     }
+    std::ranges::transform(m_table.pixels, m_table.bytes.begin(),
+                           [](RawPixel pixel) { return static_cast<std::uint8_t>(pixel); });
 }
 
 void RowConverter::Convert(const std::uint8_t* source, int sourceX, std::uint8_t* destination,
@@ -227,14 +261,14 @@ void RowConverter::ConvertBytes(const std::uint8_t* pixels, std::uint8_t* destin
     if (m_copies && m_source != PixelLayout::Bits1)
         return CopyPixels(m_source, pixels, 0, destination, destinationX, count);
     if (!m_store)
-        return m_load(m_table.data(), pixels,
+        return m_load(m_table, pixels,
                       destination + static_cast<std::ptrdiff_t>(m_bytesStored) * destinationX, count);
     std::array<std::uint8_t, 4 * kPiece> piece;
     for (int done = 0, width; done < count; done += width) {
         width = std::min(count - done, kPiece);
         const std::uint8_t* loaded = pixels + static_cast<std::ptrdiff_t>(BytesPerPixel(m_source)) * done;
         if (m_load) {
-            m_load(m_table.data(), loaded, piece.data(), width);
+            m_load(m_table, loaded, piece.data(), width);
             loaded = piece.data();
         }
         m_store(m_encoding, loaded, destination, destinationX + done, width);

@@ -1,6 +1,7 @@
 #pragma once
 // Rows of pixels from one layout and colour table into another.
 
+#include <array>
 #include <optional>
 #include <span>
 #include <vector>
@@ -48,9 +49,15 @@ public:
     // The same with source pixels of whole bytes, as `BytesPerPixel` says.
     void ConvertBytes(const std::uint8_t* pixels, std::uint8_t* destination, int destinationX, int count);
 
+    // Of indexed sources: what each byte becomes, and the low bytes of that.
+    struct Table {
+        std::vector<RawPixel> pixels;
+        std::array<std::uint8_t, 256> bytes;
+    };
+
     // Pixels are on their way as words of 32 bits, 0x00RRGGBB, or from indexed sources as what to store:
     // bytes for indexed destinations, else words of 16 or 32 bits.
-    using Load = void(const RawPixel* table, const std::uint8_t* pixels, std::uint8_t* loaded, int count);
+    using Load = void(const Table& table, const std::uint8_t* pixels, std::uint8_t* loaded, int count);
 
     // How indices are found.
     struct Encoding {
@@ -64,8 +71,8 @@ private:
 
     PixelLayout m_source;
     bool m_copies;
-    bool m_expands = false;         // bits to bytes of 0 and 255
-    std::vector<RawPixel> m_table;  // of indexed sources: what each byte becomes
+    bool m_expands = false;  // bits to bytes of 0 and 255
+    Table m_table;
     Encoding m_encoding;
     int m_bytesStored;  // in a pixel of the destination, at least 1
     Load* m_load;       // null where what is to be stored is there already

@@ -101,9 +101,10 @@ TEST_P(KernelSet, BlendsEveryPairOfBytesAndAnyLength) {
 
 TEST(Kernels, BestSetOfTheProcessorIsActive) {
     EXPECT_EQ(Kernels::Available().front().name, std::string("portable"));
-    EXPECT_EQ(Kernels::Active().name, std::string(Platform::HasAvx2()  ? "avx2"
-                                                  : Platform::HasSha() ? "sha"
-                                                                       : "portable"));
+    EXPECT_EQ(Kernels::Active().name, std::string(Platform::HasVbmi()   ? "vbmi"
+                                                  : Platform::HasAvx2() ? "avx2"
+                                                  : Platform::HasSha()  ? "sha"
+                                                                        : "portable"));
 }
 
 }  // namespace
