@@ -93,7 +93,7 @@ public:
     }
 
     void Paint(const Surface& surface, const Stroke& pen) const {
-        const Ring ring(m_box, pen.width);
+        Ring ring(m_box, pen.width);
         ForVisibleRows(surface, ring.Rows(), [&](int y) {
             const auto [outer, inner] = ring.At(y);
             ForOutside(outer, inner, [&](Span piece) {
@@ -125,7 +125,7 @@ private:
 template <class Operation>
 void ForInside(const Surface& surface, const Box& box, const Inks& inks, Operation&& operation) {
     if (inks.pen) {
-        const Ring ring(box, inks.pen->width);
+        Ring ring(box, inks.pen->width);
         ForVisibleRows(surface, ring.Rows(), [&](int y) { operation(y, ring.At(y).inner); });
     } else {
         const RoundedRows rows(box, box.Width(), box.Height());

@@ -20,7 +20,7 @@ void DrawRoundRectangle(const Surface& surface, Box box, std::int64_t cornerWidt
         return ForVisibleRows(surface, box.Rows(),
                               [&](int y) { PaintSpan(surface, y, rows.Row(y), *inks.brush); });
     }
-    const Ring ring(box, cornerWidth, cornerHeight, inks.pen->width);
+    Ring ring(box, cornerWidth, cornerHeight, inks.pen->width);
     ForVisibleRows(surface, ring.Rows(), [&](int y) {
         const auto [outer, inner] = ring.At(y);
         ForOutside(outer, inner, [&](Span piece) { ring.Paint(surface, y, piece, *inks.pen); });

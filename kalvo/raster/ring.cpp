@@ -63,13 +63,19 @@ Ring::Ring(const Box& box, std::int64_t cornerWidth, std::int64_t cornerHeight, 
     m_flatReach = m_outerBox.Width() - cornerWidth + static_cast<std::int64_t>(width * width / diagonal);
 }
 
-Ring::Row Ring::At(std::int64_t y) const {
-    const Span outer = m_outer.Row(y);
+Span Ring::OuterRow(std::int64_t y) {
+    KnownRow& known = m_known[y & 1];
+    if (known.y != y) known = {y, m_outer.Row(y)};
+    return known.span;
+}
+
+Ring::Row Ring::At(std::int64_t y) {
+    const Span outer = OuterRow(y);
     if (m_isWide) return {outer, m_inner.Row(y)};
     // A pixel is inner when its four neighbours belong to the shape. Of the rows above and below, the one
     // further from the middle is the shorter one.
     const bool isAboveMiddle = 2 * y < m_outerBox.top + m_outerBox.bottom - 1;
-    const Span next = m_outer.Row(isAboveMiddle ? y - 1 : y + 1);
+    const Span next = OuterRow(isAboveMiddle ? y - 1 : y + 1);
     return {outer, Intersection(next, {outer.begin + 1, outer.end - 1})};
 }
 
