@@ -22,10 +22,9 @@
 #include "kalvo/image/kximage.h"
 #include "kalvo/streams/kxserializer.h"
 #include "kalvo/transforms/kxresize.h"
+#include "canvas.h"
 
 namespace {
-
-constexpr int kWidth = 1920, kHeight = 1080;
 
 // Registers both sides of a job; a row of the table begins with what stands before the slash.
 void AddJob(const std::string& name, const std::function<void()>& ours, const std::string& peer,
@@ -63,45 +62,6 @@ cv::Mat Matrix(KxImage<Pixel>& image, int type) {
     return {image.GetHeight(), image.GetWidth(), type, image.GetGenericImagePtr(0, 0),
             static_cast<std::size_t>(image.GetRowPitch())};
 }
-
-// A context with a section of its own; palettes are ramps of greys.
-struct Canvas {
-    explicit Canvas(int bitCount) {
-        std::vector<std::uint8_t> header(sizeof(BITMAPINFOHEADER) + 256 * sizeof(RGBQUAD));
-        auto* info = reinterpret_cast<BITMAPINFO*>(header.data());
-        info->bmiHeader = {sizeof(BITMAPINFOHEADER),
-                           kWidth,
-                           -kHeight,
-                           1,
-                           static_cast<WORD>(bitCount),
-                           BI_RGB,
-                           0,
-                           0,
-                           0,
-                           0,
-                           0};
-        const int entries = bitCount > 8 ? 0 : 1 << bitCount;
-        RGBQUAD* table = info->bmiColors;
-        for (int i = 0; i < entries; ++i) {
-            const auto level = static_cast<BYTE>(i * 255 / (entries - 1));
-            table[i] = {level, level, level, 0};
-        }
-        bitmap = CreateDIBSection(nullptr, info, DIB_RGB_COLORS, &bits, nullptr, 0);
-        previous = SelectObject(hdc, bitmap);
-        std::memset(bits, 0, (static_cast<std::size_t>(kWidth) * bitCount + 31) / 32 * 4 * kHeight);
-    }
-    Canvas(const Canvas&) = delete;
-    ~Canvas() {
-        SelectObject(hdc, previous);
-        DeleteObject(bitmap);
-        DeleteDC(hdc);
-    }
-
-    HDC hdc = CreateCompatibleDC(nullptr);
-    HBITMAP bitmap = nullptr;
-    HGDIOBJ previous = nullptr;
-    void* bits = nullptr;
-};
 
 template <class Pixel>
 void AddResizing(const std::string& pixelName, int type) {
@@ -147,7 +107,9 @@ void AddFile(const std::string& pixelName, int type, const std::string& extensio
 }
 
 void AddDisplay() {
-    const auto canvas = [](int bitCount) { return std::make_shared<Canvas>(bitCount); };
+    const auto canvas = [](int bitCount) {
+        return std::make_shared<Canvas>(Picture(bitCount, Colors::Greys));
+    };
     const auto gray = MakePicture<KxBW8>();
     const auto wide = MakePicture<KxBW16>();
     const auto bits = MakePicture<KxBW1>();
@@ -218,7 +180,7 @@ void AddDisplay() {
 void AddShapes() {
     using Zelkor::GDIDrawAdapter;
     using Zelkor::RGBColor;
-    const auto to = std::make_shared<Canvas>(24);
+    const auto to = std::make_shared<Canvas>(Picture(24, Colors::Greys));
     const cv::Mat matrix(kHeight, kWidth, CV_8UC3);
     for (const int length : {16, 64})
         AddJob(
