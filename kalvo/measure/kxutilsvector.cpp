@@ -26,21 +26,35 @@ void** AllocateItems(std::int64_t count) {
 
 }  // namespace
 
+// Moves the first pointers into a block for so many; false, and nothing changes, when there is no memory.
+bool PointerVector::Reallocate(std::int64_t count) {
+    decltype(m_ppItems) items(count > 0 ? AllocateItems(count) : nullptr);
+    if (!items && count > 0) return false;
+    m_n32Count = static_cast<std::int32_t>(std::min<std::int64_t>(m_n32Count, count));
+    std::copy_n(Begin(), m_n32Count, items.get());
+    m_ppItems = std::move(items);
+    m_n32First = 0;
+    m_n32Room = static_cast<std::int32_t>(count);
+    return true;
+}
+
 void PointerVector::SetSize(int n32Size) {
     if (n32Size < 0) throw Exception(KX_ERROR_PARAMETER_1_OUT_OF_RANGE);
-    decltype(m_ppItems) items(n32Size > 0 ? AllocateItems(n32Size) : nullptr);
-    const int kept = std::min(m_n32Count, n32Size);
-    if (items || n32Size == 0) {
-        std::copy_n(Begin(), kept, items.get());
-        m_ppItems = std::move(items);
-        m_n32First = 0;
-    } else if (n32Size > m_n32Capacity) {
-        throw Exception(KX_ERROR_ALLOCATION);
-    } else {  // a block too large does no harm, so that shrinking always succeeds
-        MoveToFront();
+    if (!Reallocate(n32Size)) {
+        if (n32Size > m_n32Capacity) throw Exception(KX_ERROR_ALLOCATION);
+        m_n32Count = std::min(m_n32Count, n32Size);  // a block too large does no harm: shrinking succeeds
     }
-    m_n32Count = kept;
     m_n32Capacity = n32Size;
+}
+
+// The capacity that the outside sees grows by a fixed step, the block behind it by half, so that long lists
+// take linear time.
+void PointerVector::Grow() {
+    const std::int64_t least = std::int64_t{m_n32Capacity} + kGrowth;
+    if (least > m_n32Room && !Reallocate(std::max(least, m_n32Room * std::int64_t{3} / 2)) &&
+        !Reallocate(least))
+        throw Exception(KX_ERROR_ALLOCATION);
+    m_n32Capacity += kGrowth;
 }
 
 void PointerVector::MoveToFront() {
@@ -50,8 +64,8 @@ void PointerVector::MoveToFront() {
 
 void PointerVector::Insert(void* pItem, int n32Index) {
     CheckIndex(n32Index, m_n32Count + 1);
-    if (m_n32Count == m_n32Capacity) SetSize(m_n32Capacity + kGrowth);
-    if (m_n32First + m_n32Count == m_n32Capacity) MoveToFront();
+    if (m_n32Count == m_n32Capacity) Grow();
+    if (m_n32First + m_n32Count == m_n32Room) MoveToFront();
     void** const position = Begin() + n32Index;
     void** const end = Begin() + m_n32Count;
     std::copy_backward(position, end, end + 1);
@@ -88,6 +102,7 @@ void PointerVector::Swap(PointerVector& other) noexcept {
     std::swap(m_n32First, other.m_n32First);
     std::swap(m_n32Count, other.m_n32Count);
     std::swap(m_n32Capacity, other.m_n32Capacity);
+    std::swap(m_n32Room, other.m_n32Room);
 }
 
 }  // namespace Zelkor::Kalvo::Utils

@@ -40,6 +40,8 @@ private:
         void operator()(void** ppItems) const { Kalvo_Free(ppItems); }
     };
 
+    bool Reallocate(std::int64_t count);
+    void Grow();
     void MoveToFront();
     void** Begin() const { return m_ppItems.get() + m_n32First; }
 
@@ -47,6 +49,7 @@ private:
     std::int32_t m_n32First = 0;  // pointers that were removed from the front leave room there
     std::int32_t m_n32Count = 0;
     std::int32_t m_n32Capacity = 0;
+    std::int32_t m_n32Room = 0;  // in the block: the capacity or more
 };
 
 /// A list of pointers that owns nothing but itself. It grows by 32 at a time; growing throws
