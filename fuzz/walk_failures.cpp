@@ -155,8 +155,11 @@ public:
         AddImageFiles();
         AddArchives<KxBW1>();
         AddArchives<KxBW8>();
+        AddArchives<KxBW16>();
+        AddArchives<KxBW32>();
         AddArchives<KxC24>();
         AddArchives<KxC15>();
+        AddArchives<KxC16>();
         AddArchives<KxC24A>();
         AddArchives<KxYUY2>();
         AddVectors();
