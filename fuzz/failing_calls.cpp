@@ -4,6 +4,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -21,7 +22,7 @@ struct State {
     long callsLeft = 0;
 };
 thread_local constinit State state;
-std::atomic<long> liveBlocks;
+std::atomic<long> liveBlocks, liveBytes, mostBytes;
 
 // Whether a call that some faults can meet fails now.
 bool Fails(std::initializer_list<Fault> faults) {
@@ -40,8 +41,17 @@ Function* Real(Function*, const char* name) {
 }
 
 void* Counted(void* block) {
-    liveBlocks += block != nullptr;
+    if (!block) return nullptr;
+    ++liveBlocks;
+    const long bytes = liveBytes += static_cast<long>(malloc_usable_size(block));
+    if (bytes > mostBytes) mostBytes = bytes;
     return block;
+}
+
+void Uncount(void* block) {
+    if (!block) return;
+    --liveBlocks;
+    liveBytes -= static_cast<long>(malloc_usable_size(block));
 }
 
 }  // namespace
@@ -55,6 +65,13 @@ FailingCalls::~FailingCalls() { state.isArmed = false; }
 bool FailingCalls::HasFailed() { return state.hasFailed; }
 
 long LiveBlocks() { return liveBlocks; }
+
+void StartCountingBytes() {
+    liveBytes = 0;
+    mostBytes = 0;
+}
+
+long MostBytes() { return mostBytes; }
 
 }  // namespace Zelkor::Kalvo::Fuzzing
 
@@ -80,9 +97,12 @@ void* calloc(std::size_t count, std::size_t bytes) {
 
 void* realloc(void* block, std::size_t bytes) {
     if (Fails({Fault::NoMemory})) return nullptr;
+    const auto before = static_cast<long>(block ? malloc_usable_size(block) : 0);
     void* const moved = __libc_realloc(block, bytes);
-    liveBlocks += (moved != nullptr) - (block != nullptr);
-    return moved;
+    if (!moved) return nullptr;
+    liveBlocks -= block != nullptr;
+    liveBytes -= before;
+    return Counted(moved);
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t bytes) {
@@ -96,7 +116,7 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t bytes) {
 }
 
 void free(void* block) {
-    liveBlocks -= block != nullptr;
+    Uncount(block);
     __libc_free(block);
 }
 

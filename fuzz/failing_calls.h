@@ -24,7 +24,10 @@ public:
     static bool HasFailed();  // since the last construction
 };
 
-// What the process holds of memory.
+// What the process holds of memory, and by how much it was more, at the most, since a call of the other
+// function.
 long LiveBlocks();
+void StartCountingBytes();
+long MostBytes();
 
 }  // namespace Zelkor::Kalvo::Fuzzing
