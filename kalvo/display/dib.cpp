@@ -135,6 +135,8 @@ void RegionDib::UseCopy() {
     DescribeBitmap(m_type, m_bitmapWidth, m_bitmapHeight, m_info);
 }
 
+int RegionDib::FromBottom() const { return ClampToInt(std::int64_t{m_bitmapHeight} - m_y - m_rows.height); }
+
 void RegionDib::Draw(HDC hdc, Zoom zoom) {
     if (!IsDescribable()) {
         if (!LiesInside()) return;
@@ -142,33 +144,23 @@ void RegionDib::Draw(HDC hdc, Zoom zoom) {
     }
     const int width = m_rows.width;
     const int height = m_rows.height;
-    // The source is counted from the bottom row, even of bitmaps that run downwards.
-    const int fromBottom = ClampToInt(std::int64_t{m_bitmapHeight} - m_y - height);
     if (zoom.x == 1 && zoom.y == 1) {
-        SetDIBitsToDevice(hdc, 0, 0, static_cast<DWORD>(width), static_cast<DWORD>(height), m_x, fromBottom,
+        SetDIBitsToDevice(hdc, 0, 0, static_cast<DWORD>(width), static_cast<DWORD>(height), m_x, FromBottom(),
                           0, static_cast<UINT>(m_bitmapHeight), m_bits, AsBitmapInfo(m_info), DIB_RGB_COLORS);
     } else {
         SetStretchBltMode(hdc, COLORONCOLOR);
-        StretchDIBits(hdc, 0, 0, Scaled(width, zoom.x), Scaled(height, zoom.y), m_x, fromBottom, width,
+        StretchDIBits(hdc, 0, 0, Scaled(width, zoom.x), Scaled(height, zoom.y), m_x, FromBottom(), width,
                       height, m_bits, AsBitmapInfo(m_info), DIB_RGB_COLORS, SRCCOPY);
     }
 }
 
 void RegionDib::Blend(HDC hdc, Zoom zoom, double alpha) {
     if (!LiesInside()) return;
-    const int width = m_rows.width;
-    const int height = m_rows.height;
-    // Only the region is copied: less work than its whole image, and no byte behind the last row is read.
-    DescribeBitmap(m_type, width, height, m_info);
-    void* bits = nullptr;
-    const OwnedContext memory(CreateCompatibleDC(nullptr));
-    const OwnedBitmap section(CreateDIBSection(memory.get(), AsBitmapInfo(m_info), DIB_RGB_COLORS, &bits));
-    if (!section) return;
-    CopyPixels(m_rows, BitmapRows(bits, m_type, width, height), m_type.bitCount);
-    const SelectedObject selected(memory.get(), section.get(), SelectedObject::Owner::Other);
-    const BLENDFUNCTION blend{AC_SRC_OVER, 0, static_cast<BYTE>(TruncateToInt(255.0 * alpha)), 0};
-    AlphaBlend(hdc, 0, 0, Scaled(width, zoom.x), Scaled(height, zoom.y), memory.get(), 0, 0, width, height,
-               blend);
+    if (!IsDescribable()) UseCopy();
+    const int width = m_rows.width, height = m_rows.height;
+    BlendDIBits(hdc, 0, 0, Scaled(width, zoom.x), Scaled(height, zoom.y), m_x, FromBottom(), width, height,
+                m_bits, AsBitmapInfo(m_info), DIB_RGB_COLORS,
+                {AC_SRC_OVER, 0, static_cast<BYTE>(TruncateToInt(255.0 * alpha)), 0});
 }
 
 }  // namespace Zelkor::Kalvo

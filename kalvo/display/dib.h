@@ -87,6 +87,8 @@ public:
 private:
     bool IsDescribable() const;
     bool LiesInside() const;
+    // Where the region begins, counted from the bottom row, even of bitmaps that run downwards.
+    int FromBottom() const;
     void UseCopy();
 
     const DibType& m_type;

@@ -45,6 +45,26 @@ void DrawPicture(const Context& context, const Surface& target, const Surface& s
              usesPattern ? *FillOf(context, *context.brush, remaining) : InkFrom(context, 0, remaining));
 }
 
+BOOL BlendPicture(const Surface& target, const Surface& source, const BlitAxis& columns, const BlitAxis& rows,
+                  BLENDFUNCTION blend) {
+    if (columns.destinationSize < 0 || rows.destinationSize < 0 || blend.BlendOp != AC_SRC_OVER ||
+        blend.BlendFlags != 0 || !IsInside(columns.source, columns.sourceSize, source.width) ||
+        !IsInside(rows.source, rows.sourceSize, source.height))
+        return 0;
+    const BYTE alpha = blend.SourceConstantAlpha;
+    if (blend.AlphaFormat == AC_SRC_ALPHA) {
+        if (source.layout != PixelLayout::Bgrx32) return 0;
+        BlendPremultiplied(target, source, columns, rows, alpha);
+    } else if (blend.AlphaFormat != 0) {
+        return 0;
+    } else if (alpha == 255) {
+        Blit(target, source, columns, rows);
+    } else if (alpha > 0) {
+        Blend(target, source, columns, rows, alpha);
+    }
+    return 1;
+}
+
 }  // namespace
 }  // namespace Zelkor::Platform
 
@@ -125,28 +145,26 @@ BOOL AlphaBlend(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, HDC hS
     return OrNeutral([&] {
         const Context* context = Find<Context>(hDC);
         const Context* sourceContext = Find<Context>(hSource);
-        if (!context || !sourceContext || n32Width < 0 || n32Height < 0 || blend.BlendOp != AC_SRC_OVER ||
-            blend.BlendFlags != 0)
-            return 0;
-        const Surface target = context->Target(), source = sourceContext->bitmap->surface;
+        if (!context || !sourceContext) return 0;
         const Position place = context->Placed(POINT{n32X, n32Y});
         const Position sourcePlace = sourceContext->Placed(POINT{n32SourceX, n32SourceY});
-        const BlitAxis columns{place.x, n32Width, sourcePlace.x, n32SourceWidth};
-        const BlitAxis rows{place.y, n32Height, sourcePlace.y, n32SourceHeight};
-        if (!IsInside(columns.source, columns.sourceSize, source.width) ||
-            !IsInside(rows.source, rows.sourceSize, source.height))
-            return 0;
-        const BYTE alpha = blend.SourceConstantAlpha;
-        if (blend.AlphaFormat == AC_SRC_ALPHA) {
-            if (source.layout != PixelLayout::Bgrx32) return 0;
-            BlendPremultiplied(target, source, columns, rows, alpha);
-        } else if (blend.AlphaFormat != 0) {
-            return 0;
-        } else if (alpha == 255) {
-            Blit(target, source, columns, rows);
-        } else if (alpha > 0) {
-            Blend(target, source, columns, rows, alpha);
-        }
-        return 1;
+        return BlendPicture(context->Target(), sourceContext->bitmap->surface,
+                            {place.x, n32Width, sourcePlace.x, n32SourceWidth},
+                            {place.y, n32Height, sourcePlace.y, n32SourceHeight}, blend);
+    });
+}
+
+BOOL BlendDIBits(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, int n32SourceX, int n32SourceY,
+                 int n32SourceWidth, int n32SourceHeight, const void* pBits, const BITMAPINFO* pInfo,
+                 UINT un32Usage, BLENDFUNCTION blend) {
+    return OrNeutral([&] {
+        const Context* context = Find<Context>(hDC);
+        const auto format = ReadDibHeader(pInfo);
+        if (!context || !format || !pBits || un32Usage != DIB_RGB_COLORS) return 0;
+        const Surface source = format->SurfaceAt(pBits);
+        const Position place = context->Placed(POINT{n32X, n32Y});
+        return BlendPicture(
+            context->Target(), source, {place.x, n32Width, n32SourceX, n32SourceWidth},
+            {place.y, n32Height, RowOfScans(source, n32SourceY, n32SourceHeight), n32SourceHeight}, blend);
     });
 }

@@ -94,6 +94,10 @@ KX_API int StretchDIBits(HDC hDC, int n32X, int n32Y, int n32Width, int n32Heigh
 /// one. 0 on failure, also when a size is negative or the source rectangle leaves the bitmap.
 KX_API BOOL AlphaBlend(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, HDC hSource, int n32SourceX,
                        int n32SourceY, int n32SourceWidth, int n32SourceHeight, BLENDFUNCTION blend);
+/// The same from a bitmap in memory. The source rectangle is counted from the bottom row.
+KX_API BOOL BlendDIBits(HDC hDC, int n32X, int n32Y, int n32Width, int n32Height, int n32SourceX,
+                        int n32SourceY, int n32SourceWidth, int n32SourceHeight, const void* pBits,
+                        const BITMAPINFO* pInfo, UINT un32Usage, BLENDFUNCTION blend);
 
 inline constexpr int BLACKONWHITE = 1, WHITEONBLACK = 2, COLORONCOLOR = 3, HALFTONE = 4;
 /// The mode is kept; stretching takes the nearest source pixel in every mode.

@@ -125,6 +125,29 @@ TEST_F(Adapter, ReportsOnlyWantOfMemory) {
     KxOk();
 }
 
+TEST_F(Adapter, MixesPixelsOfItsOwnSurfaceAsTheyWere) {
+    BITMAPINFO info{{sizeof(BITMAPINFOHEADER), 8, -8, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
+    void* bits = nullptr;
+    const HBITMAP section = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits);
+    const HDC device = CreateCompatibleDC(nullptr);
+    SelectObject(device, section);
+    for (const int step : {-1, 0, 1}) {
+        KxImage<KxC24A> own, before(8, 8);
+        own.SetImagePtr(8, 8, bits);
+        for (auto* image : {&own, &before})
+            for (int i = 0; i < 64; ++i) image->SetPixel(KxC24A(i, 3 * i, 255 - i, 0), i % 8, i / 8);
+        GDIDrawAdapter(device).DrawImage(&own, 1, 1, step, step, 0.6, RGBColor::Current);
+        for (int y = 1; y < 7; ++y)
+            for (int x = 1; x < 7; ++x) {
+                const int from = before.GetPixel(x - step, y - step).m_un8C0,
+                          to = before.GetPixel(x, y).m_un8C0;
+                EXPECT_EQ(own.GetPixel(x, y).m_un8C0, (from * 153 + to * 102 + 127) / 255) << x << ' ' << y;
+            }
+    }
+    DeleteDC(device);
+    DeleteObject(section);
+}
+
 TEST_F(Adapter, ShowsImagesThroughPalettes) {
     const HDC device = Platform::CreatePaletteDC(256, 2);
     KxImage<KxBW8> ramp(256, 1);
