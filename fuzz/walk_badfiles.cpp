@@ -24,13 +24,14 @@
 #include <vector>
 
 #include "kalvo/kalvo.h"
+#include "fuzz/contents.h"
 #include "fuzz/failing_calls.h"
 
 namespace Zelkor::Kalvo::Fuzzing {
 namespace {
 
 namespace files = std::filesystem;
-using Bytes = std::vector<unsigned char>;
+using Bytes = std::string;
 
 constexpr double kMostSeconds = 0.1;
 constexpr long kMebibyte = 1 << 20;
@@ -47,18 +48,6 @@ double ThreadSeconds() {
     timespec time;
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-Bytes Contents(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::string Archived(const KxGenericROI& image) {
-    KxMemSerializer writer;
-    writer.OpenWriter();
-    image.Save(&writer);
-    return {writer.GetBuffer().begin(), writer.GetBuffer().end()};
 }
 
 template <class Pixel>
@@ -90,8 +79,7 @@ Format Archive(const std::string& name) {
     KxROI<Pixel> outer(&image, 1, 1, 5, 5), inner(&outer, 1, 1, 2, 2);
     outer.SetEllipseMask(0, 0, 0, 0);
     inner.SetComment("comment");
-    const std::string good = Archived(image);
-    return {name, Bytes(good.begin(), good.end()), [](const std::string& from) {
+    return {name, Archived(image), [](const std::string& from) {
                 KxImage<Pixel> loaded(3, 3);
                 const std::unique_ptr<KxSerializer> reader(KxSerializer::CreateFileReader(from));
                 if (reader) loaded.Load(reader.get());
@@ -138,7 +126,7 @@ void ForEachAttack(const Bytes& good, const Attack& attack) {
         const auto overwrite = [&](std::uint32_t number, std::uint32_t width) {
             Bytes bad = good;
             for (std::uint32_t i = 0; i < std::min(width, size - at); ++i)
-                bad[at + i] = static_cast<unsigned char>(number >> 8 * i);
+                bad[at + i] = static_cast<char>(number >> 8 * i);
             attack(bad);
         };
         for (const std::uint32_t number : {0u, 0x80u, 0xFFu}) overwrite(number, 1);
@@ -198,8 +186,7 @@ private:
     void Require(bool condition, const Format& format, const Bytes& bytes, const char* what) {
         if (condition) return;
         const std::string kept = m_folder + "/bad-" + std::to_string(m_kept++);
-        std::ofstream(kept, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        std::ofstream(kept, std::ios::binary) << bytes;
         std::fprintf(stderr, "%s: %s: %s\n", format.name.c_str(), what, kept.c_str());
     }
 
@@ -221,8 +208,7 @@ int Run(const char* expectedCodes) {
     if (!walk.IsDone()) return 1;
     files::remove_all(folder);
     if (!expectedCodes) return 0;
-    const Bytes expected = Contents(expectedCodes);
-    if (walk.Codes() == std::string(expected.begin(), expected.end())) return 0;
+    if (walk.Codes() == Contents(expectedCodes)) return 0;
     std::fprintf(stderr, "other codes than in %s\n", expectedCodes);
     return 1;
 }

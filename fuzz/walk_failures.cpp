@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "kalvo/kalvo.h"
+#include "fuzz/contents.h"
 #include "fuzz/failing_calls.h"
 
 namespace Zelkor::Kalvo::Fuzzing {
@@ -72,19 +73,6 @@ struct Tree {
         inner.SetAuthor("inner");
     }
 };
-
-std::string Archived(const KxGenericROI& image) {
-    KxMemSerializer writer;
-    writer.OpenWriter();
-    image.Save(&writer);
-    const auto& bytes = writer.GetBuffer();
-    return {bytes.begin(), bytes.end()};
-}
-
-std::string Contents(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // Saves over an old file. Written in place, a file that could not be saved may hold anything.
 Scenario Saving(const std::string& path, bool isSafe, std::function<void(const std::string&)> save) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what we are compared with, builds and runs bench_peers, and prints a table of medians: both sides of each
-# job in turns, on huge pages. Takes some five minutes. bench.sh --all runs all other benchmarks too; what follows
+# job in turns, on huge pages. Takes a minute when all is built. bench.sh --all runs all other benchmarks too; what follows
 # goes to each: bench.sh --all --benchmark_filter=swap
 set -euo pipefail
 

@@ -97,6 +97,7 @@ void DrawCurve(const Paper& paper, const Axis& across, const Axis& upwards, cons
     const std::size_t count = curve.values.size();
     int lastX = 0, lastY = 0;
     for (std::size_t i = 0; i < count;) {
+        const bool isFirst = i == 0;
         const int x = across.Pixel(static_cast<double>(i)), first = upwards.Pixel(curve.values[i]);
         int last = first, top = first, bottom = first;
         for (++i; i < count && across.Pixel(static_cast<double>(i)) == x; ++i) {
@@ -104,7 +105,7 @@ void DrawCurve(const Paper& paper, const Axis& across, const Axis& upwards, cons
             top = std::min(top, last);
             bottom = std::max(bottom, last);
         }
-        if (lastX != 0) line(lastX, lastY, x, first);
+        if (!isFirst) line(lastX, lastY, x, first);
         if (top != bottom || count == 1) line(x, top, x, bottom);
         lastX = x;
         lastY = last;

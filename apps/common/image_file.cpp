@@ -144,10 +144,15 @@ Object LoadImage(const std::string& path) {
     return image;
 }
 
-Format FormatOf(const std::string& path) {
+std::string SmallExtension(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension();
     std::ranges::transform(extension, extension.begin(),
                            [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return extension;
+}
+
+Format FormatOf(const std::string& path) {
+    const std::string extension = SmallExtension(path);
     const auto holds = [&](const std::vector<std::string>& names) {
         return std::ranges::find(names, extension) != names.end();
     };

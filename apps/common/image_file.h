@@ -39,6 +39,9 @@ struct SaveOptions {
     IMAGE_FILE_TYPES layout = IMAGE_FILE_AUTO;  // of the formats that the library writes
 };
 
+// The extension of a name in small letters, with its dot.
+std::string SmallExtension(const std::string& path);
+
 // The format that a name asks for: its extension in any case. Throws when it asks for none.
 Format FormatOf(const std::string& path);
 

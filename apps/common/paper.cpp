@@ -2,13 +2,11 @@
 
 #include "common/paper.h"
 
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
 #include <optional>
 
 #include "kalvo/display/kxgdidrawadapter.h"
 #include "common/failure.h"
+#include "common/image_file.h"
 #include "common/output_file.h"
 #include "kalvo-svg/kxsvgdrawadapter.h"
 
@@ -24,12 +22,7 @@ void DrawOnContext(HDC context, const std::function<void(const Paper&)>& draw) {
           }});
 }
 
-bool IsVectorFile(const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char character) { return std::tolower(character); });
-    return extension == ".svg";
-}
+bool IsVectorFile(const std::string& path) { return SmallExtension(path) == ".svg"; }
 
 void SaveVectors(PictureSize size, const std::string& path, const std::function<void(const Paper&)>& draw) {
     Zelkor::SvgDrawAdapter surface(size.width, size.height);

@@ -5,7 +5,8 @@ namespace Zelkor::Platform {
 
 bool HasMmx();  // bit 23 of EDX from CPUID function 1
 bool HasSha();  // the SHA extensions, with SSSE3 and SSE4.1
-// And the operating system saves the wide registers.
+
+// These two also ask whether the operating system saves the wide registers.
 bool HasAvx2();
 bool HasVbmi();  // permutations of bytes, with AVX-512 for bytes
 

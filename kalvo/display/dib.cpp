@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "kalvo/display/selected_object.h"
 #include "kalvo/frame/roundtoint.h"
 #include "kalvo/kernels/kernels.h"
 
